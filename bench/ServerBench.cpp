@@ -1,0 +1,207 @@
+// Server speed and memory: cold start to the tool list, pipelined pings, in-process handling.
+#include <cstring>
+#include <fstream>
+#include <string>
+
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "server/Server.h"
+#include "tools/ToolCatalog.h"
+
+extern char** environ;
+
+namespace orvo {
+namespace {
+
+// A child process with its standard input and output on pipes.
+struct Child {
+    pid_t pid = -1;
+    int input = -1;
+    int output = -1;
+    mutable int surplusLines = 0;  // answers read ahead of the ones asked for
+
+    static Child spawn(const char* program, const std::vector<std::string>& extra = {}) {
+        int in[2], out[2];
+        if (::pipe2(in, O_CLOEXEC) != 0 || ::pipe2(out, O_CLOEXEC) != 0) {
+            std::abort();
+        }
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, in[0], 0);
+        posix_spawn_file_actions_adddup2(&actions, out[1], 1);
+        std::vector<std::string> words{program};
+        words.insert(words.end(), extra.begin(), extra.end());
+        std::vector<char*> argv;
+        for (std::string& word : words) {
+            argv.push_back(word.data());
+        }
+        argv.push_back(nullptr);
+        Child child;
+        if (::posix_spawn(&child.pid, program, &actions, nullptr, argv.data(), environ) != 0) {
+            std::abort();
+        }
+        posix_spawn_file_actions_destroy(&actions);
+        ::close(in[0]);
+        ::close(out[1]);
+        child.input = in[1];
+        child.output = out[0];
+        return child;
+    }
+
+    void write(std::string_view bytes) const {
+        while (!bytes.empty()) {
+            const ssize_t n = ::write(input, bytes.data(), bytes.size());
+            if (n <= 0) {
+                std::abort();
+            }
+            bytes.remove_prefix(static_cast<std::size_t>(n));
+        }
+    }
+
+    // Reads until `lines` more line feeds have arrived.
+    void readLines(int lines, std::string& buffer) const {
+        char chunk[65536];
+        while (surplusLines < lines) {
+            const ssize_t n = ::read(output, chunk, sizeof chunk);
+            if (n <= 0) {
+                std::abort();
+            }
+            for (ssize_t i = 0; i < n; ++i) {
+                surplusLines += chunk[i] == '\n';
+            }
+            buffer.append(chunk, static_cast<std::size_t>(n));
+        }
+        surplusLines -= lines;
+    }
+
+    long peakResidentKiB() const {
+        std::ifstream status("/proc/" + std::to_string(pid) + "/status");
+        std::string line;
+        while (std::getline(status, line)) {
+            if (line.starts_with("VmHWM:")) {
+                return std::stol(line.substr(6));
+            }
+        }
+        return -1;
+    }
+
+    void finish() {
+        ::close(input);
+        char chunk[4096];
+        while (::read(output, chunk, sizeof chunk) > 0) {
+        }
+        ::close(output);
+        int status = 0;
+        ::waitpid(pid, &status, 0);
+    }
+};
+
+constexpr std::string_view kInitialize =
+    R"({"jsonrpc":"2.0","id":1,"method":"initialize","params":{"protocolVersion":"2024-11-05","capabilities":{},"clientInfo":{"name":"bench","version":"1"}}})"
+    "\n";
+constexpr std::string_view kToolsList = R"({"jsonrpc":"2.0","id":2,"method":"tools/list"})"
+                                        "\n";
+constexpr std::string_view kPing = R"({"jsonrpc":"2.0","id":3,"method":"ping"})"
+                                   "\n";
+
+void BM_SpawnTrue(benchmark::State& state) {
+    for (auto _ : state) {
+        Child child = Child::spawn("/bin/true");
+        child.finish();
+    }
+}
+BENCHMARK(BM_SpawnTrue)->Unit(benchmark::kMicrosecond)->Repetitions(5)->ReportAggregatesOnly();
+
+void BM_ColdStartToToolList(benchmark::State& state) {
+    std::string buffer;
+    for (auto _ : state) {
+        Child child = Child::spawn(ORVO_BINARY_PATH);
+        child.write(kInitialize);
+        child.write(kToolsList);
+        buffer.clear();
+        child.readLines(2, buffer);
+        state.PauseTiming();
+        child.finish();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(BM_ColdStartToToolList)
+    ->Unit(benchmark::kMicrosecond)
+    ->Repetitions(5)
+    ->ReportAggregatesOnly();
+
+void BM_PeakMemoryAfterToolList(benchmark::State& state) {
+    long peakKiB = 0;
+    std::string buffer;
+    for (auto _ : state) {
+        Child child = Child::spawn(ORVO_BINARY_PATH);
+        child.write(kInitialize);
+        child.write(kToolsList);
+        buffer.clear();
+        child.readLines(2, buffer);
+        peakKiB = std::max(peakKiB, child.peakResidentKiB());
+        child.finish();
+    }
+    state.counters["peak_KiB"] = static_cast<double>(peakKiB);
+}
+BENCHMARK(BM_PeakMemoryAfterToolList)->Iterations(20)->Unit(benchmark::kMicrosecond);
+
+// Pings kept 32 in flight against one server process; items per second is answered pings.
+void BM_PipelinedPings(benchmark::State& state) {
+    constexpr int kInFlight = 32;
+    Child child = Child::spawn(ORVO_BINARY_PATH);
+    std::string burst;
+    for (int i = 0; i < kInFlight; ++i) {
+        burst += kPing;
+    }
+    std::string buffer;
+    child.write(burst);
+    for (auto _ : state) {
+        // Read one burst's answers while the next burst is already queued.
+        child.write(burst);
+        buffer.clear();
+        child.readLines(kInFlight, buffer);
+    }
+    buffer.clear();
+    child.readLines(kInFlight, buffer);
+    state.SetItemsProcessed(state.iterations() * kInFlight);
+    child.finish();
+}
+BENCHMARK(BM_PipelinedPings)->Unit(benchmark::kMicrosecond)->UseRealTime();
+
+struct InProcess {
+    InProcess()
+        : registry(ToolRegistry::assemble(registeredTools(), {})),
+          devNull(::open("/dev/null", O_WRONLY)),
+          server(registry, ServerOptions{{}, "/tmp/docs/", devNull}) {}
+    ToolRegistry registry;
+    int devNull;
+    Server server;
+};
+
+void BM_HandlePing(benchmark::State& state) {
+    InProcess process;
+    const std::string_view line = kPing.substr(0, kPing.size() - 1);
+    for (auto _ : state) {
+        process.server.handleLine(line);
+    }
+}
+BENCHMARK(BM_HandlePing);
+
+void BM_HandleToolsList(benchmark::State& state) {
+    InProcess process;
+    const std::string_view line = kToolsList.substr(0, kToolsList.size() - 1);
+    for (auto _ : state) {
+        process.server.handleLine(line);
+    }
+}
+BENCHMARK(BM_HandleToolsList)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace orvo
+
+BENCHMARK_MAIN();

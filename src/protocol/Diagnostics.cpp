@@ -1,0 +1,28 @@
+// Diagnostics: single lines on standard error, each written whole.
+#include "protocol/Diagnostics.h"
+
+#include <cerrno>
+#include <string>
+
+#include <unistd.h>
+
+namespace orvo {
+
+void logLine(std::string_view prefix, std::string_view message) {
+    std::string line;
+    line.reserve(prefix.size() + message.size() + 1);
+    line.append(prefix).append(message).push_back('\n');
+    std::size_t written = 0;
+    while (written < line.size()) {
+        const ssize_t n = ::write(STDERR_FILENO, line.data() + written, line.size() - written);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            return;  // nowhere left to report to
+        }
+        written += static_cast<std::size_t>(n);
+    }
+}
+
+}  // namespace orvo

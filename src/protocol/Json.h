@@ -1,0 +1,45 @@
+// The JSON value type and the few ways this program reads and writes JSON text.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <nlohmann/json.hpp>
+
+namespace orvo {
+
+// Keys are kept sorted (std::map), which is the order every writer here needs.
+using json = nlohmann::json;
+
+enum class JsonParseStatus { ok, invalid, tooDeep };
+
+struct BoundedParse {
+    JsonParseStatus status = JsonParseStatus::invalid;
+    json value;  // the whole document when status is ok, null otherwise
+    json::value_t topLevel = json::value_t::discarded;  // the document's type, even when too deep
+};
+
+// Parses `text` as one JSON document. The depth of a document is 1 for a scalar or an empty
+// container at the top, and one more than its deepest element otherwise. A document deeper than
+// `maxDepth` is reported as tooDeep without building the deep part, so hostile nesting costs
+// neither stack nor memory; syntax errors anywhere win over depth.
+BoundedParse parseJsonBounded(std::string_view text, int maxDepth);
+
+// One line of compact JSON, slashes unescaped, invalid UTF-8 replaced rather than thrown.
+std::string dumpCompact(const json& value);
+
+// Two-space indented JSON with sorted keys, for text meant to be read.
+std::string dumpPretty(const json& value);
+
+// Member access for input JSON: never throws, absent when the member is missing or of another type.
+const json* member(const json& object, std::string_view key);
+std::optional<std::string_view> stringMember(const json& object, std::string_view key);
+std::optional<bool> boolMember(const json& object, std::string_view key);
+const json* objectMember(const json& object, std::string_view key);
+
+// Strict UTF-8 check: no overlong forms, no surrogates, nothing above U+10FFFF.
+bool isValidUTF8(std::string_view bytes);
+
+}  // namespace orvo

@@ -1,0 +1,15 @@
+// Where the current user's directories are, on each system this program runs on.
+#pragma once
+
+#include <filesystem>
+
+namespace orvo {
+
+// The current user's home directory from the user database (not $HOME); empty if there is none.
+std::filesystem::path userHomeDirectory();
+
+// The user's Application Support directory: the system's user-domain lookup where it has one,
+// else `home` followed by "Library/Application Support".
+std::filesystem::path applicationSupportDirectory(const std::filesystem::path& home);
+
+}  // namespace orvo

@@ -1,0 +1,179 @@
+// The MCP server: answers JSON-RPC lines from the agent and writes one response line per request.
+#include "server/Server.h"
+
+#include <cerrno>
+#include <exception>
+
+#include <unistd.h>
+
+#include "protocol/Diagnostics.h"
+#include "server/Instructions.h"
+#include "userfiles/VersionLookup.h"
+
+namespace orvo {
+namespace {
+
+RPCError rpcError(int code, std::string message) {
+    return RPCError{code, std::move(message), std::nullopt};
+}
+
+// The text of a tool result: JSON objects and arrays pretty-printed, plain texts as they are.
+Result<std::string> toolResultText(const ToolOutput& output) {
+    if (const auto* text = std::get_if<PlainText>(&output)) {
+        return text->text;
+    }
+    const json& value = std::get<json>(output);
+    if (!value.is_object() && !value.is_array()) {
+        return rpcError(RPCCode::kInternalError,
+                        "Internal error: tool result is not a JSON object or array");
+    }
+    return dumpPretty(value);
+}
+
+}  // namespace
+
+Server::Server(const ToolRegistry& registry, ServerOptions options)
+    : registry_(registry), options_(std::move(options)), voiceOffer_(registry.offers("speak")) {}
+
+void Server::handleLine(std::string_view line) {
+    BoundedParse parsed = parseJsonBounded(line, kMaxRequestDepth);
+    if (parsed.status == JsonParseStatus::invalid || parsed.topLevel != json::value_t::object) {
+        answer(nullptr, rpcError(RPCCode::kParseError, "Parse error"));
+        return;
+    }
+    if (parsed.status == JsonParseStatus::tooDeep) {
+        answer(nullptr, rpcError(RPCCode::kInvalidRequest, "Request exceeds max depth"));
+        return;
+    }
+    const json& request = parsed.value;
+    const json* id = member(request, "id");
+    const std::string_view method = stringMember(request, "method").value_or("");
+    static const json kNoParams = json::object();
+    const json* params = objectMember(request, "params");
+    if (params == nullptr) {
+        params = &kNoParams;
+    }
+    if (id == nullptr) {
+        return;  // notifications are never answered
+    }
+    Result<json> outcome = [&]() -> Result<json> {
+        try {
+            return runMethod(method, *params);
+        } catch (const std::exception& error) {
+            return rpcError(RPCCode::kInternalError,
+                            std::string("Internal error: ") + error.what());
+        } catch (...) {
+            return rpcError(RPCCode::kInternalError, "Internal error: unknown exception");
+        }
+    }();
+    answer(*id, std::move(outcome));
+}
+
+void Server::finishInput() {}
+
+Result<json> Server::runMethod(std::string_view method, const json& params) {
+    if (method == "ping") {
+        return json::object();
+    }
+    if (method == "tools/call") {
+        return callTool(params);
+    }
+    if (method == "tools/list") {
+        return registry_.listing();
+    }
+    if (method == "initialize") {
+        return initialize();
+    }
+    if (method == "prompts/list") {
+        return listPrompts(voiceOffer_);
+    }
+    if (method == "prompts/get") {
+        return getPrompt(params, voiceOffer_);
+    }
+    if (method == "resources/list") {
+        return json{{"resources", json::array()}};
+    }
+    if (method == "resources/templates/list") {
+        return json{{"resourceTemplates", json::array()}};
+    }
+    return rpcError(RPCCode::kMethodNotFound, "Method not found: " + std::string(method));
+}
+
+Result<json> Server::initialize() {
+    if (!version_) {
+        version_ = lookupVersion(options_.toolContext.programPath);
+    }
+    json capabilities = {{"tools", {{"listChanged", true}}}};
+    if (voiceOffer_) {
+        capabilities["prompts"] = {{"listChanged", false}};
+    }
+    return json{{"protocolVersion", kProtocolVersion},
+                {"capabilities", std::move(capabilities)},
+                {"serverInfo", {{"name", kServerName}, {"version", *version_}}},
+                {"instructions", instructions(options_.documentationDirectory, voiceOffer_)}};
+}
+
+Result<json> Server::callTool(const json& params) {
+    std::optional<std::string_view> name = stringMember(params, "name");
+    if (!name) {
+        return rpcError(RPCCode::kInvalidParams, "Missing 'name' in tools/call");
+    }
+    const MCPTool* tool = registry_.find(*name);
+    if (tool == nullptr) {
+        return rpcError(RPCCode::kInvalidParams, "Unknown tool: " + std::string(*name));
+    }
+    static const json kNoArguments = json::object();
+    const json* arguments = objectMember(params, "arguments");
+    Result<ToolOutput> output =
+        tool->call(arguments ? *arguments : kNoArguments, options_.toolContext);
+    if (!output) {
+        return std::move(output).error();
+    }
+    Result<std::string> text = toolResultText(*output);
+    if (!text) {
+        return std::move(text).error();
+    }
+    return json{{"content", json::array({json{{"type", "text"}, {"text", std::move(*text)}}})},
+                {"isError", false}};
+}
+
+void Server::answer(const json& id, Result<json> outcome) {
+    json response = {{"jsonrpc", "2.0"}, {"id", id}};
+    if (outcome) {
+        response["result"] = std::move(*outcome);
+    } else {
+        const RPCError& error = outcome.error();
+        json encoded = {{"code", error.code}, {"message", error.message}};
+        if (error.data) {
+            encoded["data"] = *error.data;
+        }
+        response["error"] = std::move(encoded);
+    }
+    writeResponse(response);
+}
+
+void Server::writeResponse(const json& response) {
+    std::string bytes;
+    try {
+        bytes = dumpCompact(response);
+    } catch (const std::exception&) {
+        logDiagnostic("failed to serialize response");
+        return;
+    }
+    bytes.push_back('\n');
+    std::lock_guard<std::mutex> lock(outputLock_);
+    std::size_t written = 0;
+    while (written < bytes.size()) {
+        const ssize_t n =
+            ::write(options_.outputFd, bytes.data() + written, bytes.size() - written);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            return;  // the agent has stopped reading; nothing else can be done with the line
+        }
+        written += static_cast<std::size_t>(n);
+    }
+}
+
+}  // namespace orvo

@@ -1,0 +1,73 @@
+// Start-up: what the command line and environment ask for, and the server's run until end of input.
+#include "server/Startup.h"
+
+#include <algorithm>
+
+#include <signal.h>
+#include <unistd.h>
+
+#include "protocol/Platform.h"
+#include "server/Instructions.h"
+#include "server/LineReader.h"
+#include "server/Server.h"
+#include "tools/ToolCatalog.h"
+
+namespace orvo {
+namespace {
+
+// The argument after the first occurrence of `flag`, if there is one.
+std::optional<std::string> valueAfter(std::span<const std::string> arguments,
+                                      std::string_view flag) {
+    auto it = std::ranges::find(arguments, flag);
+    if (it == arguments.end() || std::next(it) == arguments.end()) {
+        return std::nullopt;
+    }
+    return *std::next(it);
+}
+
+bool hasFlag(std::span<const std::string> arguments, std::string_view flag) {
+    return std::ranges::find(arguments, flag) != arguments.end();
+}
+
+}  // namespace
+
+StartupSettings readStartupSettings(std::span<const std::string> arguments,
+                                    const char* assistantOriginValue) {
+    StartupSettings settings;
+    settings.arguments.assign(arguments.begin(), arguments.end());
+    settings.agentName = valueAfter(arguments, "--agent");
+    settings.assistantOrigin =
+        assistantOriginValue != nullptr && std::string_view(assistantOriginValue) == "1";
+    settings.hookMode = hasFlag(arguments, kActionHoldHookFlag);
+    if (std::optional<std::string> toolsets = valueAfter(arguments, "--toolsets")) {
+        settings.selection.enabled = parseToolsets(*toolsets);
+    }
+    settings.selection.readOnly = hasFlag(arguments, "--read-only");
+    settings.selection.assistantOrigin = settings.assistantOrigin;
+    return settings;
+}
+
+int runServer(const StartupSettings& settings) {
+    // An agent that closes its end of the pipe must not kill us mid-write; the write fails instead.
+    ::signal(SIGPIPE, SIG_IGN);
+
+    const ToolRegistry registry = ToolRegistry::assemble(registeredTools(), settings.selection);
+    ServerOptions options;
+    options.toolContext.home = userHomeDirectory();
+    options.toolContext.programPath = settings.arguments.empty() ? "" : settings.arguments.front();
+    options.documentationDirectory =
+        documentationDirectory(applicationSupportDirectory(options.toolContext.home));
+    options.outputFd = STDOUT_FILENO;
+    Server server(registry, std::move(options));
+
+    LineReader reader(STDIN_FILENO);
+    while (std::optional<std::string_view> line = reader.next()) {
+        if (!line->empty()) {
+            server.handleLine(*line);
+        }
+    }
+    server.finishInput();
+    return 0;
+}
+
+}  // namespace orvo

@@ -1,0 +1,89 @@
+// The static facts every tool name carries: its groups, its MCP annotations, its concurrency.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+
+#include "protocol/Json.h"
+
+namespace orvo {
+
+enum class MCPToolset : std::uint8_t {
+    state,
+    settings,
+    voice,
+    meetings,
+    slate,
+    computer,
+    playbooks,
+    augments
+};
+
+inline constexpr std::array<std::string_view, 8> kToolsetRawValues = {
+    "state", "settings", "voice", "meetings", "slate", "computer", "playbooks", "augments"};
+static_assert(kToolsetRawValues.size() == static_cast<std::size_t>(MCPToolset::augments) + 1);
+
+// A set of toolsets, one bit per case.
+class MCPToolsets {
+public:
+    constexpr MCPToolsets() = default;
+    constexpr MCPToolsets(std::initializer_list<MCPToolset> sets) {
+        for (MCPToolset set : sets) {
+            insert(set);
+        }
+    }
+    static constexpr MCPToolsets all() {
+        MCPToolsets sets;
+        sets.bits_ = 0xFF;
+        return sets;
+    }
+
+    constexpr void insert(MCPToolset set) { bits_ |= bit(set); }
+    constexpr bool contains(MCPToolset set) const { return (bits_ & bit(set)) != 0; }
+    constexpr bool intersects(MCPToolsets other) const { return (bits_ & other.bits_) != 0; }
+    constexpr bool empty() const { return bits_ == 0; }
+    constexpr bool operator==(const MCPToolsets&) const = default;
+
+private:
+    static constexpr std::uint8_t bit(MCPToolset set) {
+        return static_cast<std::uint8_t>(1u << static_cast<unsigned>(set));
+    }
+    std::uint8_t bits_ = 0;
+};
+
+struct MCPToolAnnotations {
+    bool readOnlyHint = false;
+    std::optional<bool> destructiveHint;
+    std::optional<bool> idempotentHint;
+    std::optional<bool> openWorldHint;
+
+    json encode() const;
+};
+
+struct MCPToolMetadata {
+    MCPToolsets toolsets;
+    MCPToolAnnotations annotations;
+    bool permitsConcurrentRequests = false;
+};
+
+struct MCPToolMetadataRow {
+    std::string_view name;
+    MCPToolMetadata metadata;
+};
+
+// Every row of the table, registered tools first in registration order.
+std::span<const MCPToolMetadataRow> toolMetadataRows();
+
+// The row for `name`, or null when the name has none.
+const MCPToolMetadata* toolMetadata(std::string_view name);
+
+// Position of `name` in the registration order, or the row count when it has no row.
+std::size_t registrationIndex(std::string_view name);
+
+// The enabled toolsets for a `--toolsets` value.
+MCPToolsets parseToolsets(std::string_view value);
+
+}  // namespace orvo

@@ -1,0 +1,17 @@
+// Every tool type the program implements, one catalogue per family, and the registration order.
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "tools/MCPTool.h"
+
+namespace orvo {
+
+// Family catalogues, each in its own file.
+std::span<const MCPTool* const> localFileTools();
+
+// Every implemented tool, in the registration order that the metadata table fixes.
+std::span<const MCPTool* const> registeredTools();
+
+}  // namespace orvo

@@ -1,0 +1,79 @@
+// The tools one server run offers, chosen once at start-up and read-only afterwards.
+#include "tools/ToolRegistry.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+namespace orvo {
+namespace {
+
+// The host app's own assistant must not be offered these.
+constexpr std::string_view kHiddenFromAssistant[] = {"speak"};
+
+bool offered(const MCPTool& tool, const ToolSelection& selection) {
+    const MCPToolMetadata* metadata = toolMetadata(tool.name());
+    if (metadata == nullptr) {
+        return false;
+    }
+    if (selection.readOnly && !metadata->annotations.readOnlyHint) {
+        return false;
+    }
+    if (!metadata->toolsets.intersects(selection.enabled)) {
+        return false;
+    }
+    return !(selection.assistantOrigin && std::ranges::find(kHiddenFromAssistant, tool.name()) !=
+                                              std::end(kHiddenFromAssistant));
+}
+
+}  // namespace
+
+ToolRegistry ToolRegistry::assemble(std::span<const MCPTool* const> registrationOrder,
+                                    const ToolSelection& selection) {
+    ToolRegistry registry;
+    for (const MCPTool* tool : registrationOrder) {
+        if (offered(*tool, selection)) {
+            registry.byName_.push_back(tool);
+        }
+    }
+    std::ranges::stable_sort(registry.byName_, {}, &MCPTool::name);
+    auto duplicate = std::ranges::adjacent_find(
+        registry.byName_,
+        [](const MCPTool* a, const MCPTool* b) { return a->name() == b->name(); });
+    if (duplicate != registry.byName_.end()) {
+        const std::string_view name = (*duplicate)->name();
+        std::fprintf(stderr, "Duplicate values for key: '%.*s'\n", static_cast<int>(name.size()),
+                     name.data());
+        std::abort();
+    }
+    return registry;
+}
+
+const MCPTool* ToolRegistry::find(std::string_view name) const {
+    auto it = std::ranges::lower_bound(byName_, name, {}, &MCPTool::name);
+    return it != byName_.end() && (*it)->name() == name ? *it : nullptr;
+}
+
+json ToolRegistry::listing() const {
+    json tools = json::array();
+    for (const MCPTool* tool : byName_) {
+        tools.push_back(listingEntry(*tool));
+    }
+    return json{{"tools", std::move(tools)}};
+}
+
+json listingEntry(const MCPTool& tool) {
+    const MCPToolMetadata* metadata = toolMetadata(tool.name());
+    return json{{"name", tool.name()},
+                {"description", tool.description()},
+                {"inputSchema", tool.inputSchema()},
+                {"annotations", metadata ? metadata->annotations.encode() : json::object()}};
+}
+
+const json& emptyInputSchema() {
+    static const json kSchema = {
+        {"type", "object"}, {"properties", json::object()}, {"additionalProperties", false}};
+    return kSchema;
+}
+
+}  // namespace orvo

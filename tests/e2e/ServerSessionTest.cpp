@@ -1,0 +1,253 @@
+// Whole sessions against the real binary over pipes: the wire format, every error, the limits.
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "support/ServerProcess.h"
+#include "support/ThrowawayUser.h"
+
+namespace orvo::test {
+namespace {
+
+std::string nested(int depth) {
+    // depth 1 is {}, each level wraps the previous in {"a": ...}
+    std::string text = "{}";
+    for (int level = 1; level < depth; ++level) {
+        text = "{\"a\":" + text + "}";
+    }
+    return text;
+}
+
+TEST(ServerSessionTest, AnswersEachLineWithTheExactResponse) {
+    const struct {
+        std::string request;
+        std::string response;
+    } cases[] = {
+        {R"({"jsonrpc":"2.0","id":1,"method":"ping"})", R"({"id":1,"jsonrpc":"2.0","result":{}})"},
+        {R"({"id":"a/b","method":"ping","params":[1]})",
+         R"({"id":"a/b","jsonrpc":"2.0","result":{}})"},
+        {R"({"id":null,"method":"resources/list"})",
+         R"({"id":null,"jsonrpc":"2.0","result":{"resources":[]}})"},
+        {R"({"id":2,"method":"resources/templates/list"})",
+         R"({"id":2,"jsonrpc":"2.0","result":{"resourceTemplates":[]}})"},
+        {R"({"id":3,"method":"nope"})",
+         R"({"error":{"code":-32601,"message":"Method not found: nope"},"id":3,"jsonrpc":"2.0"})"},
+        {R"({"id":4,"method":7})",
+         R"({"error":{"code":-32601,"message":"Method not found: "},"id":4,"jsonrpc":"2.0"})"},
+        {"not json",
+         R"({"error":{"code":-32700,"message":"Parse error"},"id":null,"jsonrpc":"2.0"})"},
+        {"[1,2]", R"({"error":{"code":-32700,"message":"Parse error"},"id":null,"jsonrpc":"2.0"})"},
+        {"42", R"({"error":{"code":-32700,"message":"Parse error"},"id":null,"jsonrpc":"2.0"})"},
+        {R"({"id":5,"method":"ping"} trailing)",
+         R"({"error":{"code":-32700,"message":"Parse error"},"id":null,"jsonrpc":"2.0"})"},
+        {nested(33),
+         R"({"error":{"code":-32600,"message":"Request exceeds max depth"},"id":null,"jsonrpc":"2.0"})"},
+        {R"({"id":6,"method":"tools/call","params":{"arguments":{}}})",
+         R"({"error":{"code":-32602,"message":"Missing 'name' in tools/call"},"id":6,"jsonrpc":"2.0"})"},
+        {R"({"id":7,"method":"tools/call","params":{"name":"nope"}})",
+         R"({"error":{"code":-32602,"message":"Unknown tool: nope"},"id":7,"jsonrpc":"2.0"})"},
+        {R"({"id":8,"method":"prompts/get","params":{}})",
+         R"({"error":{"code":-32602,"message":"Missing 'name' in prompts/get"},"id":8,"jsonrpc":"2.0"})"},
+        {R"({"id":9,"method":"prompts/get","params":{"name":"speak_every_reply"}})",
+         R"({"error":{"code":-32602,"message":"Unknown prompt: speak_every_reply"},"id":9,"jsonrpc":"2.0"})"},
+        {R"({"id":10,"method":"prompts/list"})",
+         R"({"id":10,"jsonrpc":"2.0","result":{"prompts":[]}})"},
+    };
+    ServerProcess server;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.request.substr(0, 80));
+        server.sendLine(c.request);
+        EXPECT_EQ(server.readLine(), c.response);
+    }
+    server.closeInput();
+    EXPECT_EQ(server.waitForExit(), 0);
+}
+
+TEST(ServerSessionTest, AcceptsDepthThirtyTwoWithCarriageReturnAndUnicode) {
+    ServerProcess server;
+    std::string deep = nested(32);
+    deep.insert(1, R"("id":1,"method":"ping",)");
+    server.sendLine(deep + "\r");
+    EXPECT_EQ(server.readLine(), R"({"id":1,"jsonrpc":"2.0","result":{}})");
+    server.sendLine(R"({"id":"é✓🙂","method":"ping"})");
+    EXPECT_EQ(server.readLine(), R"({"id":"é✓🙂","jsonrpc":"2.0","result":{}})");
+}
+
+TEST(ServerSessionTest, NotificationsAndUndecodableLinesGetNoAnswer) {
+    ServerProcess server;
+    server.sendLine(R"({"jsonrpc":"2.0","method":"ping"})");
+    server.sendLine(R"({"method":"notifications/cancelled","params":{"requestId":1}})");
+    server.sendLine("");
+    server.send("{\"id\":1,\"method\":\"ping\",\"x\":\"\xC3\x28\"}\n");  // not UTF-8
+    server.sendLine(R"({"id":2,"method":"ping"})");
+    EXPECT_EQ(server.readLine(), R"({"id":2,"jsonrpc":"2.0","result":{}})");
+    server.closeInput();
+    EXPECT_EQ(server.waitForExit(), 0);
+    EXPECT_EQ(server.readLine(100ms), std::nullopt);
+    EXPECT_EQ(server.standardError(), "");
+}
+
+TEST(ServerSessionTest, HostileLinesNeitherCrashNorHang) {
+    const std::size_t kMiB = 1048576;
+    std::string objects;
+    while (objects.size() + 5 <= kMiB) {
+        objects += "{\"a\":";
+    }
+    const std::string cases[] = {std::string(kMiB, '['), objects, std::string(kMiB - 1, '[') + "]"};
+    ServerProcess server;
+    for (const std::string& line : cases) {
+        server.sendLine(line);
+        EXPECT_EQ(server.readLine(),
+                  R"({"error":{"code":-32700,"message":"Parse error"},"id":null,"jsonrpc":"2.0"})");
+    }
+    server.sendLine(R"({"id":1,"method":"ping"})");
+    EXPECT_EQ(server.readLine(), R"({"id":1,"jsonrpc":"2.0","result":{}})");
+}
+
+TEST(ServerSessionTest, DropsAnOversizeLineWithOneDiagnosticAndGoesOn) {
+    ServerProcess server;
+    // Exactly the limit is still a line (a padded valid request), one byte more is dropped.
+    std::string exact = R"({"id":1,"method":"ping","pad":")";
+    exact += std::string(1048576 - exact.size() - 2, 'x') + "\"}";
+    ASSERT_EQ(exact.size(), 1048576u);
+    server.sendLine(exact);
+    EXPECT_EQ(server.readLine(), R"({"id":1,"jsonrpc":"2.0","result":{}})");
+    server.sendLine(std::string(2 * 1048576, 'x'));
+    server.sendLine(R"({"id":2,"method":"ping"})");
+    EXPECT_EQ(server.readLine(), R"({"id":2,"jsonrpc":"2.0","result":{}})");
+    server.closeInput();
+    EXPECT_EQ(server.waitForExit(), 0);
+    EXPECT_EQ(server.standardError(), "orvo-agent-mcp: dropped oversize line (>1048576 bytes)\n");
+}
+
+TEST(ServerSessionTest, AnswersAnUnterminatedLastLineThenExits) {
+    ServerProcess server;
+    server.send(R"({"id":1,"method":"ping"})");
+    server.closeInput();
+    EXPECT_EQ(server.readLine(), R"({"id":1,"jsonrpc":"2.0","result":{}})");
+    EXPECT_EQ(server.waitForExit(), 0);
+}
+
+TEST(ServerSessionTest, ToolListIsSortedAndTheSameOnEveryRun) {
+    std::string first;
+    for (int run = 0; run < 2; ++run) {
+        ServerProcess server;
+        server.sendLine(R"({"id":1,"method":"tools/list"})");
+        std::optional<std::string> line = server.readLine();
+        ASSERT_TRUE(line);
+        if (run == 0) {
+            first = *line;
+            continue;
+        }
+        EXPECT_EQ(*line, first);
+    }
+    json tools = json::parse(first)["result"]["tools"];
+    ASSERT_FALSE(tools.empty());
+    for (std::size_t i = 1; i < tools.size(); ++i) {
+        EXPECT_LT(tools[i - 1]["name"].get<std::string>(), tools[i]["name"].get<std::string>());
+    }
+    for (const json& tool : tools) {
+        EXPECT_FALSE(tool.contains("title"));
+        EXPECT_TRUE(tool["annotations"].contains("readOnlyHint"));
+    }
+}
+
+TEST(ServerSessionTest, SelectsToolsFromFlagsAndEnvironment) {
+    const struct {
+        std::vector<std::string> arguments;
+        std::string origin;
+        std::vector<std::string> names;
+    } cases[] = {
+        {{}, "", {"current_settings", "orvo_version"}},
+        {{"--toolsets", " state , nope"}, "1", {"current_settings", "orvo_version"}},
+        {{"--toolsets", "voice"}, "", {}},
+        {{"--read-only", "--toolsets"}, "true", {"current_settings", "orvo_version"}},
+    };
+    for (const auto& c : cases) {
+        ProcessOptions options;
+        options.arguments = c.arguments;
+        options.environment = {{"ORVO_ASSISTANT_ORIGIN", c.origin}};
+        ServerProcess server(options);
+        json response = server.request({{"id", 1}, {"method", "tools/list"}});
+        std::vector<std::string> names;
+        for (const json& tool : response["result"]["tools"]) {
+            names.push_back(tool["name"]);
+        }
+        EXPECT_EQ(names, c.names);
+    }
+}
+
+TEST(ServerSessionTest, VersionComesFromResourcesBesideTheRealBinary) {
+    TempDir dir;
+    const auto install = dir.path() / "install";
+    std::filesystem::create_directories(install / "bin");
+    std::filesystem::copy_file(ORVO_BINARY_PATH, install / "bin" / "orvo-agent-mcp");
+    writeFile(install / "Resources" / "VERSION", "1.4.2\n");
+    std::filesystem::create_directories(dir.path() / "elsewhere");
+    std::filesystem::create_symlink(install / "bin" / "orvo-agent-mcp",
+                                    dir.path() / "elsewhere" / "orvo");
+
+    ProcessOptions options;
+    options.program = (dir.path() / "elsewhere" / "orvo").string();
+    ServerProcess server(options);
+    json response = server.request(
+        {{"id", 1}, {"method", "tools/call"}, {"params", {{"name", "orvo_version"}}}});
+    EXPECT_EQ(response["result"],
+              json::parse(R"({"content":[{"type":"text","text":"1.4.2"}],"isError":false})"));
+    response = server.request({{"id", 2}, {"method", "initialize"}, {"params", json::object()}});
+    EXPECT_EQ(response["result"]["serverInfo"],
+              json::parse(R"({"name":"orvo-agent","version":"1.4.2"})"));
+    EXPECT_EQ(response["result"]["protocolVersion"], "2024-11-05");
+    EXPECT_EQ(response["result"]["capabilities"], json::parse(R"({"tools":{"listChanged":true}})"));
+}
+
+class ThrowawayHomeTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string whyNot;
+        user_ = ThrowawayUser::get(whyNot);
+        if (user_ == nullptr) {
+            GTEST_SKIP() << whyNot;
+        }
+        user_->resetHome();
+    }
+    ProcessOptions asUser() const {
+        ProcessOptions options;
+        options.uid = user_->uid;
+        options.gid = user_->gid;
+        return options;
+    }
+    const ThrowawayUser* user_ = nullptr;
+};
+
+TEST_F(ThrowawayHomeTest, InstructionsNameTheDocsUnderTheUsersHome) {
+    ServerProcess server(asUser());
+    json response = server.request({{"id", 1}, {"method", "initialize"}});
+    const std::string expected =
+        "ORVO TOOLS: most tools need Orvo running. Docs: <file> points into " +
+        user_->home.string() +
+        "/Library/Application Support/orvo-agent/docs/; start at INDEX.md. Do not edit Orvo "
+        "configuration files directly: edits race the running app and corrupt state. Use "
+        "supported mutation tools (save_character for characters, computer_playbook_* for "
+        "Playbooks). For Dictionary entries or unsupported changes, ask the user to use the "
+        "Dashboard. Meeting transcripts, notes, and Slates stay on this Mac and require one-time "
+        "connected-agent consent.";
+    EXPECT_EQ(response["result"]["instructions"], expected);
+}
+
+TEST_F(ThrowawayHomeTest, CurrentSettingsReadsTheUsersSettingsFile) {
+    user_->writeHomeFile(".config/orvo-agent/settings.json",
+                         R"({"dictationHotkey":"fn","assistantEnabled":true})");
+    ServerProcess server(asUser());
+    json response = server.request(
+        {{"id", 1}, {"method", "tools/call"}, {"params", {{"name", "current_settings"}}}});
+    const json content = response["result"]["content"][0];
+    ASSERT_EQ(content["type"], "text");
+    const json snapshot = json::parse(content["text"].get<std::string>());
+    EXPECT_EQ(snapshot["dictationHotkey"], "fn");
+    EXPECT_EQ(snapshot["assistantEnabled"], false);  // the typed decode failed on the hotkey
+    EXPECT_EQ(snapshot["speechVolumePercent"], 60);
+}
+
+}  // namespace
+}  // namespace orvo::test

@@ -1,0 +1,68 @@
+#include "server/LineReader.h"
+
+#include <random>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "support/ServerProcess.h"
+
+namespace orvo {
+namespace {
+
+// Every outcome of reading `input`: the lines, "" for skipped ones, until the end.
+std::vector<std::string> readAll(const std::string& input, std::size_t maxLineBytes) {
+    test::TempDir dir;
+    test::writeFile(dir.path() / "input", input);
+    const int fd = ::open((dir.path() / "input").c_str(), O_RDONLY);
+    LineReader reader(fd, maxLineBytes);
+    std::vector<std::string> lines;
+    while (std::optional<std::string_view> line = reader.next()) {
+        lines.emplace_back(*line);
+    }
+    EXPECT_EQ(reader.next(), std::nullopt);  // the end stays the end
+    ::close(fd);
+    return lines;
+}
+
+using Lines = std::vector<std::string>;
+
+TEST(LineReaderTest, SplitsSkipsAndEndsLikeTheByteReader) {
+    const struct {
+        std::string name;
+        std::string input;
+        Lines lines;
+    } cases[] = {
+        {"empty input", "", {}},
+        {"lines keep their carriage return", "a\r\nb\n", {"a\r", "b"}},
+        {"empty lines are lines", "\n\nx\n", {"", "", "x"}},
+        {"unterminated last line", "a\nbc", {"a", "bc"}},
+        {"exactly the limit", "12345678\n", {"12345678"}},
+        {"one byte over", "123456789\nok\n", {"", "ok"}},
+        {"far over, then more", std::string(100, 'x') + "\nok\n", {"", "ok"}},
+        {"oversize at end of input", "ok\n" + std::string(100, 'x'), {"ok", ""}},
+        {"limit at end of input", "12345678", {"12345678"}},
+        {"not UTF-8 is skipped", "\xC3\x28\nok\n", {"", "ok"}},
+        {"not UTF-8 unterminated", "ok\n\xFF", {"ok", ""}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(readAll(c.input, 8), c.lines);
+    }
+}
+
+TEST(LineReaderTest, LinesAcrossReadBlocksComeOutWhole) {
+    std::mt19937 random(7);
+    std::string input;
+    Lines expected;
+    while (input.size() < 600 * 1024) {
+        std::string line(random() % 40000, 'a' + static_cast<char>(random() % 26));
+        input += line + "\n";
+        expected.push_back(line.size() > 30000 ? "" : line);
+    }
+    EXPECT_EQ(readAll(input, 30000), expected);
+}
+
+}  // namespace
+}  // namespace orvo

@@ -1,0 +1,70 @@
+#include "server/Startup.h"
+
+#include <gtest/gtest.h>
+
+namespace orvo {
+namespace {
+
+TEST(StartupTest, ReadsFlagsTheWayAgentsPassThem) {
+    const struct {
+        std::vector<std::string> arguments;
+        const char* origin;
+        std::optional<std::string> agent;
+        bool assistantOrigin;
+        bool readOnly;
+        bool hook;
+        MCPToolsets toolsets;
+    } cases[] = {
+        {{"orvo"}, nullptr, std::nullopt, false, false, false, MCPToolsets::all()},
+        {{"orvo", "--agent"}, "1", std::nullopt, true, false, false, MCPToolsets::all()},
+        {{"orvo", "--agent", "--read-only"},
+         "true",
+         "--read-only",
+         false,
+         true,
+         false,
+         MCPToolsets::all()},
+        {{"orvo", "--agent", "claude", "--agent", "codex"},
+         "01",
+         "claude",
+         false,
+         false,
+         false,
+         MCPToolsets::all()},
+        {{"orvo", "--toolsets", "voice,meetings", "--toolsets", "all"},
+         "",
+         std::nullopt,
+         false,
+         false,
+         false,
+         MCPToolsets{MCPToolset::voice, MCPToolset::meetings}},
+        {{"orvo", "--read-only", "--toolsets"},
+         " 1",
+         std::nullopt,
+         false,
+         true,
+         false,
+         MCPToolsets::all()},
+        {{"orvo", "--unknown", "--action-hold-hook", "--READ-ONLY"},
+         nullptr,
+         std::nullopt,
+         false,
+         false,
+         true,
+         MCPToolsets::all()},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(::testing::PrintToString(c.arguments));
+        const StartupSettings settings = readStartupSettings(c.arguments, c.origin);
+        EXPECT_EQ(settings.agentName, c.agent);
+        EXPECT_EQ(settings.assistantOrigin, c.assistantOrigin);
+        EXPECT_EQ(settings.selection.assistantOrigin, c.assistantOrigin);
+        EXPECT_EQ(settings.selection.readOnly, c.readOnly);
+        EXPECT_EQ(settings.hookMode, c.hook);
+        EXPECT_EQ(settings.selection.enabled, c.toolsets);
+        EXPECT_EQ(settings.arguments, c.arguments);
+    }
+}
+
+}  // namespace
+}  // namespace orvo

@@ -1,0 +1,75 @@
+// Runs the real orvo-agent-mcp binary over pipes, as an agent would.
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <sys/types.h>
+
+#include "protocol/Json.h"
+
+namespace orvo::test {
+
+using namespace std::chrono_literals;
+
+struct ProcessOptions {
+    std::string program = ORVO_BINARY_PATH;
+    std::vector<std::string> arguments;                            // after the program path
+    std::vector<std::pair<std::string, std::string>> environment;  // besides PATH
+    std::optional<uid_t> uid;                                      // run as this user (needs root)
+    std::optional<gid_t> gid;
+    std::filesystem::path workingDirectory = "/";
+};
+
+class ServerProcess {
+public:
+    explicit ServerProcess(ProcessOptions options = {});
+    ~ServerProcess();
+    ServerProcess(const ServerProcess&) = delete;
+    ServerProcess& operator=(const ServerProcess&) = delete;
+
+    void send(std::string_view bytes);
+    void sendLine(std::string_view line);
+    // The next line of standard output, or absent when none arrives in time or output ended.
+    std::optional<std::string> readLine(std::chrono::milliseconds timeout = 10s);
+    // Sends one request line and returns the parsed response line (null when none came).
+    json request(const json& message);
+    void closeInput();
+    // The exit status, or absent if the process is still running after `timeout`.
+    std::optional<int> waitForExit(std::chrono::milliseconds timeout = 10s);
+    // Everything written to standard error so far (complete once the process has exited).
+    std::string standardError();
+
+private:
+    void drainStandardError(int timeoutMs);
+
+    pid_t pid_ = -1;
+    int input_ = -1;
+    int output_ = -1;
+    int error_ = -1;
+    std::string outputBuffer_;
+    std::string errorText_;
+    std::optional<int> exitStatus_;
+};
+
+// A directory under the system temporary directory, removed with everything in it.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+    const std::filesystem::path& path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+void writeFile(const std::filesystem::path& path, std::string_view contents);
+
+}  // namespace orvo::test

@@ -1,0 +1,89 @@
+// A system user made for this test run with a temporary home, so that tests never touch a real
+// home.
+#include "support/ThrowawayUser.h"
+
+#include <cstdlib>
+#include <memory>
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include "support/ServerProcess.h"
+
+namespace orvo::test {
+namespace {
+
+std::unique_ptr<ThrowawayUser> gUser;
+
+void removeUser() {
+    if (gUser) {
+        const std::string command = "userdel " + gUser->name + " >/dev/null 2>&1";
+        [[maybe_unused]] int ignored = std::system(command.c_str());
+        std::error_code error;
+        std::filesystem::remove_all(gUser->home, error);
+    }
+}
+
+void chownTree(const std::filesystem::path& path, uid_t uid, gid_t gid) {
+    [[maybe_unused]] int ignored = ::lchown(path.c_str(), uid, gid);
+}
+
+}  // namespace
+
+const ThrowawayUser* ThrowawayUser::get(std::string& whyNot) {
+    if (gUser) {
+        return gUser.get();
+    }
+    if (::geteuid() != 0) {
+        whyNot =
+            "this test runs the binary as a throwaway user with a temporary home, which "
+            "needs root (CI runs as root); skipped so the real home is never touched";
+        return nullptr;
+    }
+    std::string pattern =
+        (std::filesystem::temp_directory_path() / "orvo-e2e-home-XXXXXX").string();
+    if (::mkdtemp(pattern.data()) == nullptr) {
+        whyNot = "mkdtemp failed";
+        return nullptr;
+    }
+    auto user = std::make_unique<ThrowawayUser>();
+    user->name = "orvoe2e" + std::to_string(::getpid());
+    user->home = pattern;
+    const std::string command =
+        "useradd --system --no-create-home --user-group --shell "
+        "/usr/sbin/nologin --home-dir '" +
+        user->home.string() + "' " + user->name + " >/dev/null 2>&1";
+    if (std::system(command.c_str()) != 0) {
+        whyNot = "useradd failed";
+        std::filesystem::remove_all(user->home);
+        return nullptr;
+    }
+    const passwd* entry = ::getpwnam(user->name.c_str());
+    if (entry == nullptr) {
+        whyNot = "the new user is not in the user database";
+        return nullptr;
+    }
+    user->uid = entry->pw_uid;
+    user->gid = entry->pw_gid;
+    chownTree(user->home, user->uid, user->gid);
+    std::filesystem::permissions(user->home, std::filesystem::perms(0755));
+    gUser = std::move(user);
+    std::atexit(removeUser);
+    return gUser.get();
+}
+
+void ThrowawayUser::resetHome() const {
+    for (const auto& entry : std::filesystem::directory_iterator(home)) {
+        std::filesystem::remove_all(entry.path());
+    }
+}
+
+void ThrowawayUser::writeHomeFile(const std::filesystem::path& relative,
+                                  std::string_view contents) const {
+    writeFile(home / relative, contents);
+    for (std::filesystem::path path = home / relative; path != home; path = path.parent_path()) {
+        chownTree(path, uid, gid);
+    }
+}
+
+}  // namespace orvo::test
