@@ -30,6 +30,18 @@ Result<std::string> toolResultText(const ToolOutput& output) {
     return dumpPretty(value);
 }
 
+// The one place where a failure that is not an RPCError becomes one.
+template <class Run>
+Result<json> catchingInternalErrors(Run&& run) {
+    try {
+        return run();
+    } catch (const std::exception& error) {
+        return rpcError(RPCCode::kInternalError, std::string("Internal error: ") + error.what());
+    } catch (...) {
+        return rpcError(RPCCode::kInternalError, "Internal error: unknown exception");
+    }
+}
+
 }  // namespace
 
 Server::Server(const ToolRegistry& registry, ServerOptions options)
@@ -54,22 +66,73 @@ void Server::handleLine(std::string_view line) {
         params = &kNoParams;
     }
     if (id == nullptr) {
-        return;  // notifications are never answered
-    }
-    Result<json> outcome = [&]() -> Result<json> {
-        try {
-            return runMethod(method, *params);
-        } catch (const std::exception& error) {
-            return rpcError(RPCCode::kInternalError,
-                            std::string("Internal error: ") + error.what());
-        } catch (...) {
-            return rpcError(RPCCode::kInternalError, "Internal error: unknown exception");
+        // Notifications are never answered.
+        if (method == "notifications/cancelled") {
+            if (const json* requestId = member(*params, "requestId")) {
+                requests_.cancel(requestIdKey(*requestId));
+            }
         }
-    }();
-    answer(*id, std::move(outcome));
+        return;
+    }
+    if (method == "tools/call") {
+        if (std::optional<std::string_view> name = stringMember(*params, "name");
+            name && name->starts_with("computer_")) {
+            queueComputerUseCall(*id, *name, *params);
+            return;
+        }
+    }
+    handleRequest(*id, method, *params);
 }
 
-void Server::finishInput() {}
+void Server::handleRequest(const json& id, std::string_view method, const json& params) {
+    answer(id, catchingInternalErrors([&] { return runMethod(method, params); }));
+}
+
+void Server::queueComputerUseCall(json id, std::string_view toolName, json params) {
+    std::string key = requestIdKey(id);
+    std::shared_ptr<RequestCancellation> token;
+    switch (requests_.track(key, token)) {
+        case TrackOutcome::full:
+            answer(id, rpcError(RPCCode::kServerError,
+                                "Maximum number of pending Computer Use requests reached"));
+            return;
+        case TrackOutcome::duplicate:
+            answer(id, rpcError(RPCCode::kInvalidRequest, "Duplicate request id"));
+            return;
+        case TrackOutcome::tracked:
+            break;
+    }
+    const MCPToolMetadata* metadata = toolMetadata(toolName);
+    WorkQueue& queue = metadata != nullptr && metadata->permitsConcurrentRequests
+                           ? observationQueue_
+                           : mutationQueue_;
+    workers_.enter();
+    queue.submit([this, id = std::move(id), params = std::move(params), key = std::move(key),
+                  token = std::move(token)] {
+        processQueued(id, params, *token);
+        requests_.remove(key);
+        workers_.leave();
+    });
+}
+
+void Server::processQueued(const json& id, const json& params, RequestCancellation& token) {
+    Result<json> outcome = rpcError(RPCCode::kServerError, "Request cancelled");
+    {
+        CurrentCancellationScope current(&token);
+        if (!token.isCancelled()) {
+            outcome = catchingInternalErrors([&] { return callTool(params); });
+        }
+    }
+    // A cancelled call is never answered, whatever became of it.
+    if (!token.isCancelled()) {
+        answer(id, std::move(outcome));
+    }
+}
+
+void Server::finishInput() {
+    requests_.cancelAll();
+    workers_.wait();
+}
 
 Result<json> Server::runMethod(std::string_view method, const json& params) {
     if (method == "ping") {

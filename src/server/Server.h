@@ -7,8 +7,11 @@
 #include <string>
 #include <string_view>
 
+#include "applink/RequestCancellation.h"
 #include "protocol/Json.h"
 #include "protocol/Result.h"
+#include "server/RequestTracker.h"
+#include "server/WorkQueue.h"
 #include "tools/MCPTool.h"
 #include "tools/ToolRegistry.h"
 
@@ -31,10 +34,13 @@ public:
     // Answers one line, or hands it to a queue and returns at once.
     void handleLine(std::string_view line);
 
-    // End of input: ends in-flight work and waits for it.
+    // End of input: cancels the computer-use calls in flight and waits for their work to end.
     void finishInput();
 
 private:
+    void handleRequest(const json& id, std::string_view method, const json& params);
+    void queueComputerUseCall(json id, std::string_view toolName, json params);
+    void processQueued(const json& id, const json& params, RequestCancellation& token);
     Result<json> runMethod(std::string_view method, const json& params);
     Result<json> initialize();
     Result<json> callTool(const json& params);
@@ -46,6 +52,11 @@ private:
     bool voiceOffer_;
     std::optional<std::string> version_;  // read at the first initialize
     std::mutex outputLock_;
+    RequestTracker requests_;
+    WorkerGroup workers_;
+    // Declared last so that their threads are joined before anything they use goes away.
+    WorkQueue mutationQueue_{1};
+    WorkQueue observationQueue_{kMaxTrackedCalls};
 };
 
 }  // namespace orvo

@@ -6,6 +6,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include "applink/AppClient.h"
 #include "protocol/Platform.h"
 #include "server/Instructions.h"
 #include "server/LineReader.h"
@@ -52,8 +53,11 @@ int runServer(const StartupSettings& settings) {
     ::signal(SIGPIPE, SIG_IGN);
 
     const ToolRegistry registry = ToolRegistry::assemble(registeredTools(), settings.selection);
+    const std::filesystem::path home = userHomeDirectory();
+    const AppClient app(AppClientOptions{home, settings.agentName, settings.assistantOrigin, {}});
     ServerOptions options;
-    options.toolContext.home = userHomeDirectory();
+    options.toolContext.home = home;
+    options.toolContext.app = &app;
     options.toolContext.programPath = settings.arguments.empty() ? "" : settings.arguments.front();
     options.documentationDirectory =
         documentationDirectory(applicationSupportDirectory(options.toolContext.home));

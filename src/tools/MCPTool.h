@@ -15,9 +15,9 @@ class AppClient;
 
 // What a tool may reach outside itself. Paths come from start-up so that tests can redirect them.
 struct ToolContext {
-    std::filesystem::path home;  // the current user's home directory, from the user database
-    std::string programPath;     // the first command-line argument, for finding installed files
-    AppClient* app = nullptr;    // the running app, for tools that forward to it
+    std::filesystem::path home;      // the current user's home directory, from the user database
+    std::string programPath;         // the first command-line argument, for finding installed files
+    const AppClient* app = nullptr;  // the running app, for tools that forward to it
 };
 
 // A text handed to the agent as it is, not serialised as JSON.

@@ -1,0 +1,90 @@
+// The request and reply that the server and the app exchange over the socket, both sides' halves.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "protocol/Json.h"
+#include "protocol/Result.h"
+
+namespace orvo {
+
+// The app's refusals, in declaration order; each has its JSON-RPC code for the agent.
+enum class MCPMutationErrorCode {
+    validation_failed,
+    slot_budget_full,
+    consent_pending_timeout,
+    consent_denied,
+    refused,
+    target_changed,
+    app_not_running,
+    too_many_requests,
+    peer_not_permitted,
+    internal_error,
+};
+
+struct MCPMutationErrorCodeInfo {
+    std::string_view rawValue;
+    int rpcCode;
+};
+
+inline constexpr std::array<MCPMutationErrorCodeInfo, 10> kMCPMutationErrorCodes = {{
+    {"validation_failed", -32602},
+    {"slot_budget_full", -32011},
+    {"consent_pending_timeout", -32013},
+    {"consent_denied", -32012},
+    {"refused", -32016},
+    {"target_changed", -32017},
+    {"app_not_running", -32001},
+    {"too_many_requests", -32014},
+    {"peer_not_permitted", -32015},
+    {"internal_error", -32603},
+}};
+static_assert(kMCPMutationErrorCodes.size() ==
+              static_cast<std::size_t>(MCPMutationErrorCode::internal_error) + 1);
+
+std::string_view rawValue(MCPMutationErrorCode code);
+int rpcCode(MCPMutationErrorCode code);
+std::optional<MCPMutationErrorCode> mutationErrorCode(std::string_view rawValue);
+
+struct MCPMutationSuccess {
+    json result;
+};
+struct MCPMutationError {
+    MCPMutationErrorCode code;
+    std::string message;
+    std::optional<json> data;
+};
+struct MCPMutationMalformed {
+    std::string reason;
+};
+using MCPMutationDecodeResult =
+    std::variant<MCPMutationSuccess, MCPMutationError, MCPMutationMalformed>;
+
+// Server side: the request line, and the reading of the app's reply.
+std::string encodeMCPMutationRequest(std::string_view method, const json& args);
+MCPMutationDecodeResult decodeMCPMutationResponse(std::string_view bytes);
+
+// The tool's outcome for a decoded reply: the app's result, or an RPCError that always carries
+// the app's symbolic code in data.code.
+Result<json> mutationOutcome(MCPMutationDecodeResult decoded);
+
+// App side: the reply lines.
+std::string encodeMCPMutationSuccess(const json& result);
+std::string encodeMCPMutationError(MCPMutationErrorCode code, std::string_view message,
+                                   const std::optional<json>& data = std::nullopt);
+
+namespace MCPReplyTimeout {
+// How long the whole reply may take, in seconds.
+int seconds(std::string_view method);
+}  // namespace MCPReplyTimeout
+
+namespace MCPTransportCancellation {
+// Tells the app to watch the connection and abandon the call when the client half-closes it.
+inline constexpr std::string_view argumentKey = "_cancelOnDisconnect";
+}  // namespace MCPTransportCancellation
+
+}  // namespace orvo
