@@ -1,0 +1,220 @@
+#include <dirent.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include "applink/AppClient.h"
+#include "protocol/MCPSocketPath.h"
+#include "server/Server.h"
+#include "support/FakeApp.h"
+#include "support/ServerProcess.h"
+#include "tools/ForwardingTool.h"
+
+namespace orvo {
+namespace {
+
+using namespace std::chrono_literals;
+
+class NamedTool final : public ForwardingTool {
+public:
+    explicit NamedTool(std::string name) : name_(std::move(name)) {}
+    std::string_view name() const override { return name_; }
+    std::string_view description() const override { return "test"; }
+    const json& inputSchema() const override { return emptyInputSchema(); }
+
+private:
+    std::string name_;
+};
+
+const NamedTool kInspect("computer_inspect");  // observing: runs beside others
+const NamedTool kClick("computer_click");      // acting: one at a time
+const NamedTool kNotes("get_meeting_notes");   // ordinary: answered on the reading thread
+const MCPTool* const kTools[] = {&kInspect, &kClick, &kNotes};
+
+std::size_t openDescriptors() {
+    std::size_t count = 0;
+    DIR* dir = ::opendir("/proc/self/fd");
+    while (::readdir(dir) != nullptr) {
+        ++count;
+    }
+    ::closedir(dir);
+    return count;
+}
+
+// A server in this process, fed line by line, with its output on a pipe.
+class ServerTrackingTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(::pipe2(output_, O_CLOEXEC), 0);
+        app_ = std::make_unique<test::FakeApp>(MCPSocketPath::resolve(home_.path()));
+        client_ = std::make_unique<AppClient>(
+            AppClientOptions{home_.path(), std::nullopt, false, [](std::string_view method) {
+                                 return method == "slow" ? 20ms : std::chrono::milliseconds(5s);
+                             }});
+        server_ = std::make_unique<Server>(
+            registry_, ServerOptions{{home_.path(), "", client_.get()}, "/docs/", output_[1]});
+    }
+    void TearDown() override {
+        server_.reset();
+        ::close(output_[0]);
+        ::close(output_[1]);
+    }
+
+    void send(const json& message) { server_->handleLine(dumpCompact(message)); }
+    void call(const json& id, std::string_view tool) {
+        send({{"jsonrpc", "2.0"},
+              {"id", id},
+              {"method", "tools/call"},
+              {"params", {{"name", tool}, {"arguments", json::object()}}}});
+    }
+    void cancel(const json& id) {
+        send({{"method", "notifications/cancelled"}, {"params", {{"requestId", id}}}});
+    }
+    // The next response line, or null if none comes in time.
+    json response(std::chrono::milliseconds timeout = 5s) {
+        for (;;) {
+            const auto newline = pending_.find('\n');
+            if (newline != std::string::npos) {
+                json line = json::parse(pending_.substr(0, newline));
+                pending_.erase(0, newline + 1);
+                return line;
+            }
+            pollfd fd{output_[0], POLLIN, 0};
+            if (::poll(&fd, 1, static_cast<int>(timeout.count())) <= 0) {
+                return nullptr;
+            }
+            char chunk[65536];
+            const ssize_t n = ::read(output_[0], chunk, sizeof chunk);
+            pending_.append(chunk, static_cast<std::size_t>(std::max<ssize_t>(n, 0)));
+        }
+    }
+    test::FakeReply held() const {
+        test::FakeReply reply;
+        reply.holdUntilDisconnect = true;
+        return reply;
+    }
+
+    test::TempDir home_;
+    int output_[2] = {-1, -1};
+    std::string pending_;
+    std::unique_ptr<test::FakeApp> app_;
+    std::unique_ptr<AppClient> client_;
+    ToolRegistry registry_ = ToolRegistry::assemble(kTools, {});
+    std::unique_ptr<Server> server_;
+};
+
+TEST_F(ServerTrackingTest, SixteenStalledCallsProceedAndTheSeventeenthIsRefused) {
+    app_->on("computer_inspect", held());
+    for (int id = 1; id <= 16; ++id) {
+        call(id, "computer_inspect");
+    }
+    ASSERT_TRUE(app_->waitForRequests(16));
+    call(17, "computer_click");
+    EXPECT_EQ(response(), json::parse(R"({"jsonrpc":"2.0","id":17,"error":{"code":-32000,
+        "message":"Maximum number of pending Computer Use requests reached"}})"));
+    for (const auto& request : app_->received()) {
+        EXPECT_EQ(request.request["args"], json({{"_cancelOnDisconnect", true}}));
+    }
+    server_->finishInput();
+    EXPECT_TRUE(app_->waitForFinished(16));
+    for (const auto& request : app_->received()) {
+        EXPECT_TRUE(request.disconnected);
+    }
+    EXPECT_EQ(response(100ms), nullptr);  // cancelled calls are never answered
+}
+
+TEST_F(ServerTrackingTest, DuplicateIdsAreRefusedWhileNumberAndStringIdsStayApart) {
+    app_->on("computer_click", held());
+    call(5, "computer_click");
+    call(5, "computer_inspect");
+    EXPECT_EQ(response(), json::parse(R"({"jsonrpc":"2.0","id":5,"error":{"code":-32600,
+        "message":"Duplicate request id"}})"));
+    call("5", "computer_inspect");
+    EXPECT_EQ(response()["id"], "5");  // the observer ran beside the held click
+    cancel(5);
+    EXPECT_TRUE(app_->waitForFinished(2));
+    call(5, "computer_inspect");  // the id is free again once its call has ended
+    EXPECT_EQ(response()["id"], 5);
+}
+
+TEST_F(ServerTrackingTest, ObserversOverlapWhileActingCallsRunOneAtATime) {
+    test::FakeReply slow = test::successReply(json::object());
+    slow.delay = 100ms;
+    app_->on("computer_inspect", slow);
+    app_->on("computer_click", slow);
+    for (int id = 0; id < 4; ++id) {
+        call(id, "computer_click");
+    }
+    for (int id = 0; id < 4; ++id) {
+        EXPECT_EQ(response()["id"], id);  // in order, one after another
+    }
+    EXPECT_EQ(app_->peakConcurrency(), 1u);
+    for (int id = 10; id < 14; ++id) {
+        call(id, "computer_inspect");
+    }
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_NE(response(), nullptr);
+    }
+    EXPECT_GE(app_->peakConcurrency(), 2u);
+}
+
+TEST_F(ServerTrackingTest, CancellationHalfClosesTheCallAndSilencesIt) {
+    app_->on("computer_click", held());
+    call(3, "computer_click");
+    ASSERT_TRUE(app_->waitForRequests(1));
+    cancel("3");  // another id: no effect
+    cancel(99);   // nothing by that id
+    send({{"id", 1}, {"method", "ping"}});
+    EXPECT_EQ(response()["id"], 1);
+    EXPECT_FALSE(app_->received()[0].disconnected);
+    cancel(3);
+    ASSERT_TRUE(app_->waitForFinished(1));
+    EXPECT_TRUE(app_->received()[0].disconnected);
+    send({{"id", 2}, {"method", "ping"}});
+    EXPECT_EQ(response()["id"], 2);  // the cancelled call wrote nothing before it
+    cancel(3);                       // after the end: no effect, no output
+    EXPECT_EQ(response(100ms), nullptr);
+}
+
+TEST_F(ServerTrackingTest, OrdinaryCallsAreNotTrackedAndHalfCloseAtOnce) {
+    test::FakeReply reply = test::successReply({{"ok", 1}});
+    reply.watchHalfClose = 2s;
+    app_->on("get_meeting_notes", reply);
+    call(1, "get_meeting_notes");
+    EXPECT_EQ(response()["result"]["content"][0]["text"], "{\n  \"ok\": 1\n}");
+    EXPECT_TRUE(app_->received()[0].halfClosed);
+    EXPECT_EQ(app_->received()[0].request["args"], json::object());
+}
+
+TEST_F(ServerTrackingTest, TenThousandCallsLeaveNoDescriptorBehind) {
+    const std::size_t before = openDescriptors();
+    app_->on("get_meeting_notes", test::successReply({{"ok", true}}));
+    app_->on("computer_inspect", test::errorReply("refused", "no"));
+    app_->on("computer_click", held());
+    test::FakeReply late = test::successReply(json::object());
+    late.delay = 60ms;
+    app_->on("slow", late);
+    const NamedTool slow("slow");
+    std::size_t finished = 0;
+    for (int i = 0; i < 10000; ++i) {
+        if (i % 500 == 0) {
+            EXPECT_EQ(slow.call(json::object(), {home_.path(), "", client_.get()}).error().code,
+                      -32013);
+        } else if (i % 50 == 1) {
+            call(i, "computer_click");
+            ASSERT_TRUE(app_->waitForRequests(finished + 1));
+            cancel(i);
+        } else {
+            call(i, i % 2 == 0 ? "get_meeting_notes" : "computer_inspect");
+            ASSERT_NE(response(), nullptr) << i;
+        }
+        ++finished;
+        ASSERT_TRUE(app_->waitForFinished(finished)) << i;
+    }
+    server_->finishInput();
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+}  // namespace
+}  // namespace orvo

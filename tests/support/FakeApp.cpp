@@ -1,0 +1,212 @@
+// A stand-in for the desktop app: a real socket that plays back scripted replies per method.
+#include "support/FakeApp.h"
+
+#include <algorithm>
+#include <cstring>
+#include <stdexcept>
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "protocol/AppEnvelope.h"
+#include "protocol/MCPDisconnectCancellation.h"
+
+namespace orvo::test {
+namespace {
+
+void writeAllBytes(int fd, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t n = ::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        if (n <= 0) {
+            return;
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(n));
+    }
+}
+
+// The request line, read byte by byte so that nothing after it is consumed.
+std::optional<std::string> readRequestLine(int fd) {
+    std::string line;
+    char byte;
+    while (::read(fd, &byte, 1) == 1) {
+        if (byte == '\n') {
+            return line;
+        }
+        line.push_back(byte);
+    }
+    return std::nullopt;
+}
+
+bool sawHalfClose(int fd, std::chrono::milliseconds wait) {
+    pollfd poller{fd, POLLIN, 0};
+    if (::poll(&poller, 1, static_cast<int>(wait.count())) <= 0) {
+        return false;
+    }
+    char byte;
+    return ::recv(fd, &byte, 1, MSG_PEEK | MSG_DONTWAIT) == 0;
+}
+
+}  // namespace
+
+FakeReply successReply(const json& result) {
+    return FakeReply{encodeMCPMutationSuccess(result)};
+}
+
+FakeReply errorReply(std::string_view rawCode, std::string_view message,
+                     const std::optional<json>& data) {
+    // Codes outside the app's vocabulary are written by hand, as a misbehaving app would.
+    if (std::optional<MCPMutationErrorCode> code = mutationErrorCode(rawCode)) {
+        return FakeReply{encodeMCPMutationError(*code, message, data)};
+    }
+    json error = {{"code", rawCode}, {"message", message}};
+    if (data) {
+        error["data"] = *data;
+    }
+    return FakeReply{dumpCompact(json{{"ok", false}, {"error", error}}) + "\n"};
+}
+
+FakeApp::FakeApp(std::filesystem::path socketPath, std::optional<std::pair<uid_t, gid_t>> owner)
+    : path_(std::move(socketPath)), fallback_(successReply(json::object())) {
+    std::filesystem::create_directories(path_.parent_path());
+    std::filesystem::remove(path_);
+    // The peer credentials a client sees are those of whoever called listen().
+    if (owner) {
+        if (::setegid(owner->second) != 0 || ::seteuid(owner->first) != 0) {
+            throw std::runtime_error("cannot take the fake app's user id");
+        }
+    }
+    listener_ = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::strncpy(address.sun_path, path_.c_str(), sizeof address.sun_path - 1);
+    const bool listening =
+        ::bind(listener_, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
+        ::listen(listener_, 64) == 0;
+    if (owner && (::seteuid(0) != 0 || ::setegid(0) != 0)) {
+        throw std::runtime_error("cannot return to root");
+    }
+    if (!listening) {
+        throw std::runtime_error("fake app cannot listen at " + path_.string());
+    }
+    acceptor_ = std::thread([this] { acceptLoop(); });
+}
+
+FakeApp::~FakeApp() {
+    stopping_ = true;
+    ::shutdown(listener_, SHUT_RDWR);
+    {
+        std::lock_guard<std::mutex> guard(lock_);
+        for (int fd : connections_) {
+            ::shutdown(fd, SHUT_RDWR);
+        }
+    }
+    acceptor_.join();
+    {
+        std::unique_lock<std::mutex> guard(lock_);
+        changed_.wait(guard, [this] { return liveServers_ == 0; });
+    }
+    ::close(listener_);
+    std::error_code ignored;
+    std::filesystem::remove(path_, ignored);
+}
+
+void FakeApp::on(const std::string& method, FakeReply reply) {
+    std::lock_guard<std::mutex> guard(lock_);
+    replies_[method] = std::move(reply);
+}
+
+void FakeApp::otherwise(FakeReply reply) {
+    std::lock_guard<std::mutex> guard(lock_);
+    fallback_ = std::move(reply);
+}
+
+void FakeApp::acceptLoop() {
+    for (;;) {
+        const int fd = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+        if (fd < 0) {
+            if (stopping_) {
+                return;
+            }
+            continue;
+        }
+        std::lock_guard<std::mutex> guard(lock_);
+        if (stopping_) {
+            ::close(fd);
+            return;
+        }
+        connections_.push_back(fd);
+        ++liveServers_;
+        std::thread([this, fd] { serve(fd); }).detach();
+    }
+}
+
+void FakeApp::serve(int fd) {
+    std::optional<std::string> line = readRequestLine(fd);
+    ReceivedRequest received;
+    FakeReply reply;
+    std::size_t index = 0;
+    {
+        std::lock_guard<std::mutex> guard(lock_);
+        received.line = line.value_or("");
+        received.request = json::parse(received.line, nullptr, false);
+        const std::string method = received.request.is_object()
+                                       ? received.request.value("method", std::string())
+                                       : std::string();
+        auto it = replies_.find(method);
+        reply = it != replies_.end() ? it->second : fallback_;
+        index = received_.size();
+        received_.push_back(received);
+        peak_ = std::max(peak_, ++active_);
+    }
+    changed_.notify_all();
+
+    bool halfClosed = reply.watchHalfClose.count() > 0 && sawHalfClose(fd, reply.watchHalfClose);
+    bool disconnected = false;
+    if (reply.holdUntilDisconnect) {
+        disconnected = withMCPDisconnectCancellation(fd, [&](std::stop_token stop) {
+            while (!stop.stop_requested() && !stopping_) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            }
+            return stop.stop_requested();
+        });
+    } else {
+        std::this_thread::sleep_for(reply.delay);
+        writeAllBytes(fd, reply.bytes);
+    }
+    {
+        std::lock_guard<std::mutex> guard(lock_);
+        received_[index].halfClosed = halfClosed;
+        received_[index].disconnected = disconnected;
+        --active_;
+        ++finished_;
+        std::erase(connections_, fd);
+        ::close(fd);
+        --liveServers_;
+        // Notified under the lock: the destructor may free this object as soon as it sees zero.
+        changed_.notify_all();
+    }
+}
+
+std::vector<ReceivedRequest> FakeApp::received() const {
+    std::lock_guard<std::mutex> guard(lock_);
+    return received_;
+}
+
+bool FakeApp::waitForRequests(std::size_t count, std::chrono::milliseconds timeout) {
+    std::unique_lock<std::mutex> guard(lock_);
+    return changed_.wait_for(guard, timeout, [&] { return received_.size() >= count; });
+}
+
+bool FakeApp::waitForFinished(std::size_t count, std::chrono::milliseconds timeout) {
+    std::unique_lock<std::mutex> guard(lock_);
+    return changed_.wait_for(guard, timeout, [&] { return finished_ >= count; });
+}
+
+std::size_t FakeApp::peakConcurrency() const {
+    std::lock_guard<std::mutex> guard(lock_);
+    return peak_;
+}
+
+}  // namespace orvo::test
