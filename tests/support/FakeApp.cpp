@@ -26,17 +26,21 @@ void writeAllBytes(int fd, std::string_view bytes) {
     }
 }
 
-// The request line, read byte by byte so that nothing after it is consumed.
+// The request line; a client sends nothing after it but its half-close.
 std::optional<std::string> readRequestLine(int fd) {
-    std::string line;
-    char byte;
-    while (::read(fd, &byte, 1) == 1) {
-        if (byte == '\n') {
-            return line;
+    std::string buffer;
+    char chunk[4096];
+    for (;;) {
+        const auto newline = buffer.find('\n');
+        if (newline != std::string::npos) {
+            return buffer.substr(0, newline);
         }
-        line.push_back(byte);
+        const ssize_t n = ::recv(fd, chunk, sizeof chunk, 0);
+        if (n <= 0) {
+            return std::nullopt;
+        }
+        buffer.append(chunk, static_cast<std::size_t>(n));
     }
-    return std::nullopt;
 }
 
 bool sawHalfClose(int fd, std::chrono::milliseconds wait) {
