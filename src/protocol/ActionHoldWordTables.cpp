@@ -318,4 +318,84 @@ const PhraseText kSendWebRequest{"Sending a web request", "Send a web request"};
 
 }  // namespace ShellPhrases
 
+namespace MCPToolWords {
+namespace {
+
+constexpr std::string_view kReadingVerbWords[] = {"get",
+                                                  "list",
+                                                  "search",
+                                                  "read",
+                                                  "fetch",
+                                                  "lookup",
+                                                  "query",
+                                                  "describe",
+                                                  "whoami",
+                                                  "aggregate",
+                                                  "analyze",
+                                                  "check",
+                                                  "view",
+                                                  "find",
+                                                  "count",
+                                                  "export",
+                                                  "download",
+                                                  "authenticate",
+                                                  "complete_authentication",
+                                                  "guide",
+                                                  "discover",
+                                                  "load",
+                                                  "show"};
+
+constexpr std::string_view kDeletingWordList[] = {"delete", "destructive", "remove", "trash"};
+static_assert(std::ranges::is_sorted(kDeletingWordList));
+
+constexpr std::string_view kSendingWordList[] = {"forward", "post", "reply", "schedule", "send"};
+static_assert(std::ranges::is_sorted(kSendingWordList));
+
+constexpr std::string_view kMailWordList[] = {"email", "gmail", "mail"};
+static_assert(std::ranges::is_sorted(kMailWordList));
+
+constexpr std::string_view kCalendarWritingWordList[] = {"create", "update"};
+static_assert(std::ranges::is_sorted(kCalendarWritingWordList));
+
+constexpr std::string_view kActingVerbWords[] = {
+    "add",     "append",  "apply",     "approve",    "archive", "assign",  "bulk",   "close",
+    "comment", "create",  "duplicate", "edit",       "execute", "invite",  "link",   "merge",
+    "move",    "publish", "push",      "reject",     "rename",  "restart", "revoke", "set",
+    "share",   "submit",  "terminate", "transition", "trigger", "update",  "upload", "write"};
+static_assert(std::ranges::is_sorted(kActingVerbWords));
+
+constexpr std::string_view kDetailArgumentKeyWords[] = {"text", "message", "summary", "title",
+                                                        "name", "subject", "query"};
+
+constexpr MCPProvider kProviderRows[] = {
+    {"slack", "Slack"},
+    {"google", "Google"},
+    {"gmail", "Gmail"},
+    {"atlassian", "Atlassian"},
+    {"launchdarkly", "LaunchDarkly"},
+    {"github", "GitHub"},
+    {"linear", "Linear"},
+    {"notion", "Notion"},
+    {"figma", "Figma"},
+    {"datadog", "Datadog"},
+    {"vercel", "Vercel"},
+    {"cloudflare", "Cloudflare"},
+    {"netlify", "Netlify"},
+};
+
+}  // namespace
+
+const std::span<const std::string_view> kReadingVerbs = kReadingVerbWords;
+const SortedWords kDeletingWords = kDeletingWordList;
+const SortedWords kSendingWords = kSendingWordList;
+const SortedWords kMailWords = kMailWordList;
+const SortedWords kCalendarWritingWords = kCalendarWritingWordList;
+const SortedWords kActingVerbs = kActingVerbWords;
+const std::span<const std::string_view> kDetailArgumentKeys = kDetailArgumentKeyWords;
+const std::span<const MCPProvider> kProviders = kProviderRows;
+const std::string_view kAssistantServerPrefix = "claude_ai_";
+const std::string_view kPluginServerPrefix = "plugin_";
+
+}  // namespace MCPToolWords
+
 }  // namespace orvo

@@ -57,6 +57,12 @@ struct PackageRunner {
     std::string_view command;
 };
 
+// An MCP server word and the name shown for it in phrases.
+struct MCPProvider {
+    std::string_view serverWord;
+    std::string_view name;
+};
+
 struct ProgramRuleRow {
     std::string_view program;
     ProgramRule rule;
@@ -119,5 +125,21 @@ extern const PhraseText kCloseWindow;
 extern const PhraseText kSendWebRequest;
 
 }  // namespace ShellPhrases
+
+namespace MCPToolWords {
+
+extern const std::span<const std::string_view> kReadingVerbs;  // in the order they are tried
+extern const SortedWords kDeletingWords;
+extern const SortedWords kSendingWords;
+extern const SortedWords kMailWords;
+extern const SortedWords kCalendarWritingWords;
+extern const SortedWords kActingVerbs;
+extern const std::span<const std::string_view> kDetailArgumentKeys;  // first present wins
+extern const std::span<const MCPProvider> kProviders;
+// Prefixes that hosts put before a server's own word.
+extern const std::string_view kAssistantServerPrefix;
+extern const std::string_view kPluginServerPrefix;
+
+}  // namespace MCPToolWords
 
 }  // namespace orvo
