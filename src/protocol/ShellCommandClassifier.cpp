@@ -1,0 +1,296 @@
+// Reads a shell command line for held actions: cuts it into commands, unwraps each to the program
+// it runs, applies that program's rule, reads nested command text, and merges by category.
+#include <algorithm>
+#include <array>
+#include <unordered_set>
+
+#include "protocol/ActionHoldClassifier.h"
+#include "protocol/ActionHoldWordTables.h"
+#include "protocol/Graphemes.h"
+#include "protocol/ShellProgramRules.h"
+#include "protocol/ShellSegment.h"
+
+namespace orvo::ActionHoldClassifier {
+namespace {
+
+using namespace ShellWords;
+
+// Text nested deeper than this (a shell in a shell in a shell in a shell) is not read, which
+// bounds the work on hostile input.
+constexpr int kDeepestNestedText = 3;
+constexpr std::size_t kDetailCharacters = 240;
+constexpr std::string_view kDetailSeparator = " \xC2\xB7 ";  // U+00B7 MIDDLE DOT between spaces
+
+std::string_view segmentDetail(std::string_view text) {
+    constexpr std::string_view kSpace = " \t\r\n\v\f";
+    const std::size_t first = text.find_first_not_of(kSpace);
+    if (first == std::string_view::npos) {
+        return {};
+    }
+    text = text.substr(first, text.find_last_not_of(kSpace) - first + 1);
+    return prefixGraphemes(text, kDetailCharacters);
+}
+
+const ShellWrapper* findWrapper(std::string_view name) {
+    const auto it = std::ranges::lower_bound(kWrappers, name, {}, &ShellWrapper::name);
+    return it != kWrappers.end() && it->name == name ? &*it : nullptr;
+}
+
+bool isPackageRunner(std::string_view manager, std::string_view command) {
+    return std::ranges::any_of(kPackageRunners, [&](const PackageRunner& runner) {
+        return runner.manager == manager && runner.command == command;
+    });
+}
+
+// Skips the options after a wrapper; "--" ends them.
+std::size_t skipOptions(ShellArguments words, std::size_t i, SortedWords valueOptions) {
+    while (i < words.size() && words[i].starts_with('-')) {
+        if (words[i] == "--") {
+            return i + 1;
+        }
+        i += containsWord(valueOptions, words[i]) ? 2 : 1;
+    }
+    return std::min(i, words.size());
+}
+
+// The index of the program word, past assignments, keywords, wrappers and package runners; the
+// word count when the words run nothing.
+std::size_t programIndex(ShellArguments words) {
+    std::size_t i = 0;
+    while (i < words.size()) {
+        const std::string_view word = words[i];
+        const std::string_view name = programName(word);
+        if (word.find('=') != std::string_view::npos || containsWord(kShellKeywords, word)) {
+            ++i;
+        } else if (const ShellWrapper* wrapper = findWrapper(name)) {
+            i = skipOptions(words, i + 1, wrapper->valueOptions);
+            if (wrapper->skipsDuration && i < words.size()) {
+                ++i;
+            }
+        } else if (i + 1 < words.size() && isPackageRunner(name, words[i + 1])) {
+            i = skipOptions(words, i + 2, kPackageRunnerOptions);
+        } else {
+            return i;
+        }
+    }
+    return words.size();
+}
+
+std::optional<ProgramRule> ruleFor(std::string_view name) {
+    const auto it = std::ranges::lower_bound(kProgramRules, name, {}, &ProgramRuleRow::program);
+    if (it != kProgramRules.end() && it->program == name) {
+        return it->rule;
+    }
+    // Versioned interpreters such as python3.12 are python too.
+    if (name.starts_with("python") && name.size() > 6 &&
+        name.find_first_not_of("0123456789.", 6) == std::string_view::npos) {
+        return ProgramRule::python;
+    }
+    return std::nullopt;
+}
+
+bool isDryRun(ShellArguments arguments) {
+    constexpr std::string_view kOption = "--dry-run";
+    return std::ranges::any_of(arguments, [&](std::string_view argument) {
+        if (argument == kOption) {
+            return true;
+        }
+        if (!argument.starts_with(kOption) || argument[kOption.size()] != '=') {
+            return false;
+        }
+        const std::string_view value = argument.substr(kOption.size() + 1);
+        return value != "none" && value != "false";
+    });
+}
+
+std::string joined(ShellArguments words) {
+    std::string text;
+    for (std::string_view word : words) {
+        text += text.empty() ? "" : " ";
+        text += word;
+    }
+    return text;
+}
+
+// Whether the words, run as a command, read further commands from their input, as a bare shell
+// does: `ssh host`, `ssh host bash -s`.
+bool runsItsInput(ShellArguments words) {
+    const std::size_t at = programIndex(words);
+    if (at >= words.size()) {
+        return words.empty();
+    }
+    return containsWord(kShells, programName(words[at])) &&
+           readShellInvocation(words.subspan(at + 1)).readsInput;
+}
+
+// A match as found, before merging. Its detail points into the command line and is shared by
+// every match of nested text, so that deep nesting never copies it.
+struct FoundAction {
+    HeldAction action;
+    std::string_view detail;
+};
+
+class CommandReader {
+public:
+    std::vector<FoundAction> found;
+
+    // `outerDetail` is the detail of the outermost command, for text nested in it.
+    void readText(std::string_view text, int depth, std::optional<std::string_view> outerDetail) {
+        for (const ShellSegment& segment : splitShellSegments(text)) {
+            readSegment(segment, depth, outerDetail.value_or(segmentDetail(segment.text)));
+        }
+    }
+
+private:
+    void readNested(std::string_view text, int depth, std::string_view detail) {
+        if (!text.empty() && depth < kDeepestNestedText) {
+            readText(text, depth + 1, detail);
+        }
+    }
+
+    void readInputs(const ShellSegment& segment, int depth, std::string_view detail) {
+        for (const std::string& input : segment.inputs) {
+            readNested(input, depth, detail);
+        }
+    }
+
+    void hold(std::optional<HeldAction> action, std::string_view detail) {
+        if (action) {
+            found.push_back({std::move(*action), detail});
+        }
+    }
+
+    void readSegment(const ShellSegment& segment, int depth, std::string_view detail) {
+        const ShellArguments words = segment.words;
+        const std::size_t at = programIndex(words);
+        if (at < words.size()) {
+            readCommand(words[at], words.subspan(at + 1), segment, depth, detail);
+        }
+        // The shell runs substitutions whatever the command is, even one asked for help.
+        for (std::string_view substitution : segment.substitutions) {
+            readNested(substitution, depth, detail);
+        }
+    }
+
+    void readCommand(std::string_view word, ShellArguments arguments, const ShellSegment& segment,
+                     int depth, std::string_view detail) {
+        if (std::ranges::find(arguments, "--help") != arguments.end() ||
+            std::ranges::find(arguments, "-h") != arguments.end() || isDryRun(arguments)) {
+            return;
+        }
+        const std::string_view name = programName(word);
+        const std::optional<ProgramRule> rule = ruleFor(name);
+        if (!rule) {
+            const std::size_t dot = name.rfind('.');
+            const std::string_view extension =
+                dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
+            if (word.find('/') != std::string_view::npos ||
+                containsWord(kScriptExtensions, extension)) {
+                hold(scriptNameAction(word), detail);
+            }
+            return;
+        }
+        switch (*rule) {
+            case ProgramRule::git:
+                return hold(gitAction(arguments), detail);
+            case ProgramRule::github:
+                return hold(githubAction(arguments), detail);
+            case ProgramRule::packagePublishing:
+                return hold(packagePublishingAction(name, arguments), detail);
+            case ProgramRule::wrangler:
+                return hold(wranglerAction(arguments), detail);
+            case ProgramRule::make:
+                return hold(makeAction(arguments), detail);
+            case ProgramRule::shell: {
+                const ShellInvocation invocation = readShellInvocation(arguments);
+                if (invocation.commandString) {
+                    readNested(*invocation.commandString, depth, detail);
+                } else if (invocation.script) {
+                    hold(scriptNameAction(*invocation.script), detail);
+                } else {
+                    readInputs(segment, depth, detail);
+                }
+                return;
+            }
+            case ProgramRule::eval:
+                return readNested(joined(arguments), depth, detail);
+            case ProgramRule::ssh: {
+                const ShellArguments remote = sshRemoteCommand(arguments);
+                readNested(joined(remote), depth, detail);
+                if (runsItsInput(remote)) {
+                    readInputs(segment, depth, detail);
+                }
+                return;
+            }
+            case ProgramRule::python:
+                // A module runs like the program of that name: `python3 -m twine upload`.
+                readNested(joined(pythonModuleCommand(arguments)), depth, detail);
+                return hold(pythonAction(arguments), detail);
+            case ProgramRule::rm:
+                return hold(rmAction(arguments), detail);
+            case ProgramRule::find:
+                return hold(findAction(arguments), detail);
+            case ProgramRule::quarn:
+                return hold(quarnAction(arguments), detail);
+            case ProgramRule::tmux:
+                return hold(tmuxAction(arguments), detail);
+            case ProgramRule::osascript:
+                return hold(osascriptAction(arguments), detail);
+            case ProgramRule::webRequest:
+                return hold(webRequestAction(name, arguments), detail);
+        }
+    }
+};
+
+bool isForcePush(const ActionHoldPhrase& phrase) {
+    return phrase.progressive == ShellPhrases::kForcePush.progressive &&
+           phrase.base == ShellPhrases::kForcePush.base;
+}
+
+// One match per category in order of first appearance. A force push anywhere in a category
+// names it, so that it is not hidden behind an ordinary push; details are kept once each.
+std::vector<ActionHoldMatch> mergeByCategory(const std::vector<FoundAction>& found) {
+    std::vector<ActionHoldCategory> order;
+    std::array<std::vector<const FoundAction*>, kAllActionHoldCategories.size()> groups;
+    for (const FoundAction& match : found) {
+        auto& group = groups[static_cast<std::size_t>(match.action.category)];
+        if (group.empty()) {
+            order.push_back(match.action.category);
+        }
+        group.push_back(&match);
+    }
+    std::vector<ActionHoldMatch> merged;
+    for (ActionHoldCategory category : order) {
+        const auto& group = groups[static_cast<std::size_t>(category)];
+        const auto forced = std::ranges::find_if(
+            group, [](const FoundAction* match) { return isForcePush(match->action.phrase); });
+        ActionHoldMatch result{
+            category, (forced != group.end() ? *forced : group.front())->action.phrase, ""};
+        std::unordered_set<std::string_view> seen;
+        std::string_view previous;
+        for (const FoundAction* match : group) {
+            // Matches of one command sit together and share its detail by identity; comparing
+            // identity first hashes each command's detail once, however many matches it holds.
+            const bool sameAsPrevious = match->detail.data() == previous.data() &&
+                                        match->detail.size() == previous.size() &&
+                                        match != group.front();
+            previous = match->detail;
+            if (!sameAsPrevious && seen.insert(match->detail).second) {
+                result.detail += seen.size() > 1 ? kDetailSeparator : "";
+                result.detail += match->detail;
+            }
+        }
+        merged.push_back(std::move(result));
+    }
+    return merged;
+}
+
+}  // namespace
+
+std::vector<ActionHoldMatch> classifyCommand(std::string_view command) {
+    CommandReader reader;
+    reader.readText(command, 0, std::nullopt);
+    return mergeByCategory(reader.found);
+}
+
+}  // namespace orvo::ActionHoldClassifier

@@ -1,0 +1,247 @@
+// How the shell-command classifier reads a command line: separators, wrappers, nesting, exemptions,
+// merging by category, details, and hostile input.
+#include <chrono>
+
+#include <gtest/gtest.h>
+
+#include "protocol/ActionHoldClassifier.h"
+#include "support/HeldActionText.h"
+
+namespace orvo {
+namespace {
+
+using ActionHoldClassifier::classifyCommand;
+
+constexpr std::string_view kPush = "publishing|Pushing the branch|Push the branch";
+constexpr std::string_view kForcePush = "publishing|Force-pushing the branch|Force-push the branch";
+constexpr std::string_view kDeleteFiles = "deleting|Deleting files|Delete files";
+
+struct Case {
+    std::string_view command;
+    std::string_view held;
+};
+
+void expectHeld(std::initializer_list<Case> cases) {
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.command);
+        EXPECT_EQ(heldActionText(classifyCommand(c.command)), c.held);
+    }
+}
+
+TEST(ShellCommandClassifierTest, WrappersAssignmentsAndKeywordsAreSkipped) {
+    expectHeld({
+        {"sudo -u deploy git push", kPush},
+        {"sudo -g staff -C 3 -E git push", kPush},
+        {"sudo --user root git push", kPush},
+        {"env -u HOME -C /repo GIT_DIR=.git git push", kPush},
+        {"GIT_SSH_COMMAND='ssh -i key' git push", kPush},
+        {"command git push", kPush},
+        {"nohup git push &", kPush},
+        {"time -p git push", kPush},
+        {"builtin eval git push", kPush},
+        {"exec -a name git push", kPush},
+        {"timeout 30 git push", kPush},
+        {"timeout -s KILL -k 5 30s git push", kPush},
+        {"timeout --signal=TERM -- 10 git push", kPush},
+        {"nice -n 10 git push", kPush},
+        {"nice --adjustment 5 git push", kPush},
+        {"caffeinate -t 600 -w 12 git push", kPush},
+        {"xargs -n 1 -P 4 -I {} git push origin {}", kPush},
+        {"npx -p wrangler wrangler deploy",
+         "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
+        {"bunx --package wrangler wrangler deploy",
+         "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
+        {"pnpm dlx wrangler deploy", "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
+        {"pnpm exec --filter web -- wrangler deploy",
+         "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
+        {"npm exec -c x -- wrangler@3 deploy",
+         "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
+        {"/usr/bin/sudo /usr/bin/env A=1 /opt/homebrew/bin/git push", kPush},
+        {"sudo nice -n 5 env A=1 timeout 9 git push", kPush},
+        {"if true; then git push; fi", kPush},
+        {"while true; do rm -rf src; done", kDeleteFiles},
+        {"until git push; do sleep 1; done", kPush},
+        {"! git push", kPush},
+        {"{ git push; }", kPush},
+        {"sudo ls", ""},
+        {"env", ""},
+        {"timeout 30", ""},
+        {"xargs echo", ""},
+        {"command -v git", ""},
+        {"A=1 B=2", ""},
+    });
+}
+
+TEST(ShellCommandClassifierTest, HowTheCommandIsWrittenDoesNotHideIt) {
+    expectHeld({
+        {"cd repo && git push", kPush},
+        {"make test || git push", kPush},
+        {"ls; git push", kPush},
+        {"git status\ngit push", kPush},
+        {"(cd repo && git push)", kPush},
+        {"'git' \"push\" '-f'", kForcePush},
+        {"g\"i\"t pu\\sh", kPush},
+        {"\\rm -rf src", kDeleteFiles},
+        {"git \\\n  push", kPush},
+        {"git push >/dev/null 2>&1 | tail -5", kPush},
+        {"rm -rf node_modules 2>/dev/null", ""},
+        {"x=$(git push origin HEAD)", kPush},
+        {"echo \"$(rm -rf ~/x)\"", kDeleteFiles},
+        {"echo `git push`", kPush},
+        {"diff <(git push) b", kPush},
+        {"bash -c 'git push'", kPush},
+        {"sh -lc \"rm -rf src\"", kDeleteFiles},
+        {"zsh -o pipefail -c 'git push'", kPush},
+        {"bash -eo pipefail -c 'git push'", kPush},
+        {"bash --norc -c 'cd x; git push'", kPush},
+        {"bash <<< 'git push'", kPush},
+        {"bash -s <<'EOF'\ngit push\nEOF", kPush},
+        {"sudo bash <<EOF\ncd /srv\nrm -rf app\nEOF\necho done", kDeleteFiles},
+        {"eval git push", kPush},
+        {"eval 'git push --force'", kForcePush},
+        {"ssh prod git push", kPush},
+        {"ssh -i ~/.ssh/key -p 2222 -o StrictHostKeyChecking=no deploy@prod 'rm -rf /srv/old'",
+         kDeleteFiles},
+        {"ssh -p2222 -- prod 'cd /srv && git reset --hard'",
+         "deleting|Discarding local changes|Discard local changes"},
+        {"ssh prod <<EOF\ngit push\nEOF", kPush},
+        {"ssh prod bash -s <<'EOF'\nrm -rf /srv/app\nEOF", kDeleteFiles},
+        {"bash -c 'echo hi'", ""},
+        {"eval echo hi", ""},
+        {"ssh prod uptime", ""},
+        {"ssh -L 8080:localhost:80 -N prod", ""},
+        {"ssh prod 'cat > notes' <<EOF\ngit push\nEOF", ""},
+        {"cat <<EOF > deploy.sh\ngit push\nEOF", ""},
+        {"echo 'git push' '$(rm -rf src)'", ""},
+        {"ls # git push; rm -rf src", ""},
+        {"grep -r 'git push' .", ""},
+        {"echo git push", ""},
+    });
+}
+
+TEST(ShellCommandClassifierTest, HelpAndDryRunAreNeverHeld) {
+    expectHeld({
+        {"git push --help", ""},
+        {"git push -h", ""},
+        {"rm -rf src --help", ""},
+        {"npm publish --dry-run", ""},
+        {"git push --dry-run", ""},
+        {"npm publish --dry-run=server", ""},
+        {"npm publish --dry-run=false", "publishing|Publishing the package|Publish the package"},
+        {"npm publish --dry-run=none", "publishing|Publishing the package|Publish the package"},
+        {"bash -c 'git push --dry-run'", ""},
+        {"git push --dry-run && rm -rf src", kDeleteFiles},
+        // A substitution runs whatever the command around it is asked.
+        {"echo $(git push) --help", kPush},
+    });
+}
+
+TEST(ShellCommandClassifierTest, NestedTextIsReadThreeLevelsDeep) {
+    expectHeld({
+        {R"(bash -c "bash -c \"bash -c 'git push'\"")", kPush},
+        {R"(bash -c "bash -c \"bash -c 'bash -c \\\"git push\\\"'\"")", ""},
+        {"echo $(echo $(echo $(git push)))", kPush},
+        {"echo $(echo $(echo $(echo $(git push))))", ""},
+        {"eval eval eval git push", kPush},
+        {"eval eval eval eval git push", ""},
+        {"python3 -m twine upload dist/*", "publishing|Publishing the package|Publish the package"},
+    });
+}
+
+TEST(ShellCommandClassifierTest, NestedMatchesCarryTheOuterDetail) {
+    const std::vector<ActionHoldMatch> matches =
+        classifyCommand("  ssh prod \"bash -c 'git push'\"  \n&& ls");
+    ASSERT_EQ(matches.size(), 1u);
+    EXPECT_EQ(matches[0].detail, "ssh prod \"bash -c 'git push'\"");
+}
+
+TEST(ShellCommandClassifierTest, MergesByCategoryInOrderOfFirstAppearance) {
+    const struct {
+        std::string_view command;
+        std::vector<ActionHoldMatch> merged;
+    } cases[] = {
+        {"git push --force origin main && git push origin dev",
+         {{ActionHoldCategory::publishing,
+           {"Force-pushing the branch", "Force-push the branch"},
+           "git push --force origin main \xC2\xB7 git push origin dev"}}},
+        {"git push origin dev; git push -f origin main",
+         {{ActionHoldCategory::publishing,
+           {"Force-pushing the branch", "Force-push the branch"},
+           "git push origin dev \xC2\xB7 git push -f origin main"}}},
+        {"rm -rf a && git push && rm -rf b && git push\n git push",
+         {{ActionHoldCategory::deleting, {"Deleting files", "Delete files"}, "rm -rf a · rm -rf b"},
+          {ActionHoldCategory::publishing, {"Pushing the branch", "Push the branch"}, "git push"}}},
+        {"npm publish; git push",
+         {{ActionHoldCategory::publishing,
+           {"Publishing the package", "Publish the package"},
+           "npm publish · git push"}}},
+        {"bash -c 'git push; gh pr create'",
+         {{ActionHoldCategory::publishing,
+           {"Pushing the branch", "Push the branch"},
+           "bash -c 'git push; gh pr create'"}}},
+        {"", {}},
+        {" \n ;; ", {}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.command);
+        EXPECT_EQ(classifyCommand(c.command), c.merged);
+    }
+}
+
+TEST(ShellCommandClassifierTest, DetailIsTheTrimmedCommandCutTo240Characters) {
+    std::string longCommand = "git push origin ";
+    for (int i = 0; i < 300; ++i) {
+        longCommand += "e\xCC\x81";  // one character of two code points
+    }
+    const std::vector<ActionHoldMatch> matches = classifyCommand("\t " + longCommand + " \n");
+    ASSERT_EQ(matches.size(), 1u);
+    EXPECT_EQ(matches[0].detail, longCommand.substr(0, 16 + 224 * 3));
+}
+
+TEST(ShellCommandClassifierTest, HostileInputStaysFast) {
+    const std::string inputs[] = {
+        std::string(200000, '('),
+        [] {
+            std::string deep;
+            for (int i = 0; i < 50000; ++i) {
+                deep += "$(bash -c \"eval '";
+            }
+            return deep + "git push";
+        }(),
+        [] {
+            std::string many;
+            for (int i = 0; i < 20000; ++i) {
+                many += "git push origin b" + std::to_string(i % 7) + " && ";
+            }
+            return many;
+        }(),
+        std::string(200000, '\\'),
+        [] {
+            // One character of 100000 code points in the detail of 20000 nested matches.
+            std::string wide = "X=e";
+            for (int i = 0; i < 100000; ++i) {
+                wide += "\xCC\x81";
+            }
+            wide += " bash -c '";
+            for (int i = 0; i < 20000; ++i) {
+                wide += "git push;";
+            }
+            return wide + "'";
+        }(),
+        "cat <<" + std::string(100000, '<'),
+    };
+    for (const std::string& input : inputs) {
+        SCOPED_TRACE(input.substr(0, 40));
+        const auto start = std::chrono::steady_clock::now();
+        const std::vector<ActionHoldMatch> matches = classifyCommand(input);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+        EXPECT_LE(matches.size(), 1u);
+    }
+    // Repeated details are kept once: seven branches, seven details.
+    const std::vector<ActionHoldMatch> pushes = classifyCommand(inputs[2]);
+    ASSERT_EQ(pushes.size(), 1u);
+    EXPECT_EQ(std::ranges::count(pushes[0].detail, '\xB7'), 6);
+}
+
+}  // namespace
+}  // namespace orvo

@@ -1,0 +1,123 @@
+#include "protocol/ShellSegment.h"
+
+#include <gtest/gtest.h>
+
+namespace orvo {
+namespace {
+
+using Words = std::vector<std::string>;
+
+std::vector<Words> wordsOf(std::string_view text) {
+    std::vector<Words> out;
+    for (const ShellSegment& segment : splitShellSegments(text)) {
+        out.push_back(segment.words);
+    }
+    return out;
+}
+
+TEST(ShellSegmentTest, SeparatorsCutOnlyOutsideQuotesAndSubstitutions) {
+    const struct {
+        std::string_view text;
+        std::vector<Words> segments;
+    } cases[] = {
+        {"a 1 && b || c; d | e & f\ng |& h",
+         {{"a", "1"}, {"b"}, {"c"}, {"d"}, {"e"}, {"f"}, {"g"}, {"h"}}},
+        {"(cd x && git push)", {{"cd", "x"}, {"git", "push"}}},
+        {"echo 'a;b' \"c|d\" e\\&f", {{"echo", "a;b", "c|d", "e&f"}}},
+        {"x=$(a; b | c) y", {{"x=$(a; b | c)", "y"}}},
+        {"echo $(a \"$(b ')')\" c); d", {{"echo", "$(a \"$(b ')')\" c)"}, {"d"}}},
+        {"echo `a; b` c", {{"echo", "`a; b`", "c"}}},
+        {"diff <(a; b) >(c)", {{"diff", "<(a; b)", ">(c)"}}},
+        {"list=(a b; c) d", {{"list=(a b; c)", "d"}}},
+        {"git \\\n  push", {{"git", "push"}}},
+        {"ls # git push; rm -rf /\nwhoami", {{"ls"}, {"whoami"}}},
+        {"echo a#b", {{"echo", "a#b"}}},
+        {";; \n & ", {}},
+        {"", {}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        EXPECT_EQ(wordsOf(c.text), c.segments);
+    }
+}
+
+TEST(ShellSegmentTest, WordsLoseTheirQuotesAndJoinTheirPieces) {
+    const struct {
+        std::string_view text;
+        Words words;
+    } cases[] = {
+        {"'git' \"push\" g\"i\"t'' \"\"", {"git", "push", "git", ""}},
+        {"\"a b\" a\\ b", {"a b", "a b"}},
+        {"\"\\$x \\\" \\n\"", {"$x \" \\n"}},
+        {"$'a\\tb\\'c' $\"d\"", {"a\tb'c", "d"}},
+        {"echo 'unterminated; rm", {"echo", "unterminated; rm"}},
+        {"echo \"open $(git push", {"echo", "open $(git push"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        const std::vector<ShellSegment> segments = splitShellSegments(c.text);
+        ASSERT_EQ(segments.size(), 1u);
+        EXPECT_EQ(segments[0].words, c.words);
+    }
+}
+
+TEST(ShellSegmentTest, RedirectionsAndTheirTargetsAreNotWords) {
+    const struct {
+        std::string_view text;
+        std::vector<Words> segments;
+    } cases[] = {
+        {"git push >/dev/null 2>&1", {{"git", "push"}}},
+        {"rm -rf build 2> err.log < in.txt", {{"rm", "-rf", "build"}}},
+        {"make deploy &> log; ls", {{"make", "deploy"}, {"ls"}}},
+        {"cmd >> out 1>&2 {fd}>x >| y <> z", {{"cmd"}}},
+        {"echo a>b c", {{"echo", "a", "c"}}},
+        {"echo \"2\">x", {{"echo", "2"}}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        EXPECT_EQ(wordsOf(c.text), c.segments);
+    }
+}
+
+TEST(ShellSegmentTest, SubstitutionsAreRecordedWhereTheShellRunsThem) {
+    const ShellSegment segment =
+        splitShellSegments("x=$(git push) \"$(rm -rf a)\" '$(not run)' `b` <(c) $((1+2))")[0];
+    const std::vector<std::string_view> expected = {"git push", "rm -rf a", "b", "c", "(1+2)"};
+    EXPECT_EQ(segment.substitutions, expected);
+}
+
+TEST(ShellSegmentTest, HereDocumentsBelongToTheCommandThatReadsThem) {
+    const std::vector<ShellSegment> segments = splitShellSegments(
+        "bash <<EOF\ngit push; rm -rf x\n$(y)\nEOF\nls <<-'END' | wc\n\tz\n\tEND\necho "
+        "<<< \"git push\"");
+    ASSERT_EQ(segments.size(), 4u);
+    EXPECT_EQ(segments[0].words, Words{"bash"});
+    EXPECT_EQ(segments[0].inputs, Words{"git push; rm -rf x\n$(y)\n"});
+    EXPECT_EQ(segments[0].text, "bash <<EOF\ngit push; rm -rf x\n$(y)\nEOF\n");
+    EXPECT_EQ(segments[0].substitutions, std::vector<std::string_view>{"y"});
+    EXPECT_EQ(segments[1].words, Words{"ls"});
+    EXPECT_EQ(segments[1].inputs, Words{"\tz\n"});  // quoted delimiter: no substitution
+    EXPECT_TRUE(segments[1].substitutions.empty());
+    EXPECT_EQ(segments[2].words, Words{"wc"});
+    EXPECT_EQ(segments[3].words, Words{"echo"});
+    EXPECT_EQ(segments[3].inputs, Words{"git push"});
+}
+
+TEST(ShellSegmentTest, UnterminatedHereDocumentRunsToTheEnd) {
+    const std::vector<ShellSegment> segments = splitShellSegments("cat <<EOF\na; b\nc");
+    ASSERT_EQ(segments.size(), 1u);
+    EXPECT_EQ(segments[0].inputs, Words{"a; b\nc"});
+}
+
+TEST(ShellSegmentTest, HostileNestingIsLinear) {
+    std::string deep;
+    for (int i = 0; i < 200000; ++i) {
+        deep += "$(\"`";
+    }
+    EXPECT_EQ(splitShellSegments(deep).size(), 1u);
+    EXPECT_EQ(splitShellSegments(std::string(500000, '(')).size(), 0u);
+    EXPECT_EQ(wordsOf(std::string(500000, '\'')), std::vector<Words>{{""}});
+}
+
+}  // namespace
+}  // namespace orvo
