@@ -1,12 +1,217 @@
-// The agent's pre-tool-use hook: asks the owner before a held action runs.
+// The agent's pre-tool-use hook: asks the owner, through the app, before a held action runs.
 #include "hook/ActionHoldHook.h"
 
+#include <cerrno>
 #include <cstdlib>
 
-namespace orvo {
+#include <poll.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
-// Until the classifiers exist nothing is held, and an empty output lets every call through.
-void runActionHoldHook(const std::optional<std::string>&, bool) {
+#include "protocol/ActionHoldClassifier.h"
+#include "protocol/ActionHoldWire.h"
+#include "protocol/AppEnvelope.h"
+#include "protocol/Diagnostics.h"
+#include "protocol/Platform.h"
+
+namespace orvo {
+namespace {
+
+// Agents hand the hook the whole tool input, file contents included; beyond this it is not a
+// tool call we can read, and an unreadable call is let through.
+constexpr std::size_t kMaxHookInputBytes = 64 * 1024 * 1024;
+// No agent nests a tool call this deep; hostile nesting is refused before it costs anything.
+constexpr int kMaxHookInputDepth = 256;
+
+HoldOutcome failedClosed(std::string text) {
+    return {HoldOutcomeKind::failedClosed, std::move(text)};
+}
+
+// Reads the reply to the app's close, waking every step to check the deadline and the agent.
+HoldOutcome readOwnerReply(int fd, const HoldWait& wait) {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point deadline = Clock::now() + wait.limit;
+    std::string reply;
+    char chunk[4096];
+    for (;;) {
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+        if (left.count() <= 0) {
+            return failedClosed("no reply in time");
+        }
+        pollfd poller{fd, POLLIN, 0};
+        const int ready = ::poll(&poller, 1, static_cast<int>(std::min(left, wait.step).count()));
+        if (ready < 0 && errno == EINTR) {
+            continue;
+        }
+        if (ready < 0) {
+            return failedClosed("poll() failed: errno " + std::to_string(errno));
+        }
+        if (ready == 0) {
+            if (wait.agentStillThere && !wait.agentStillThere()) {
+                return {HoldOutcomeKind::agentGone, {}};
+            }
+            continue;
+        }
+        const ssize_t n = ::read(fd, chunk, sizeof chunk);
+        if (n < 0 && (errno == EINTR || errno == EAGAIN)) {
+            continue;
+        }
+        if (n < 0) {
+            return failedClosed("read() failed: errno " + std::to_string(errno));
+        }
+        if (n == 0) {
+            break;
+        }
+        reply.append(chunk, static_cast<std::size_t>(n));
+        if (reply.size() > kMaxReplyBytes) {
+            return failedClosed("reply too large");
+        }
+    }
+    if (reply.empty()) {
+        return failedClosed("the app closed the connection without a reply");
+    }
+    MCPMutationDecodeResult decoded = decodeMCPMutationResponse(reply);
+    if (const auto* malformed = std::get_if<MCPMutationMalformed>(&decoded)) {
+        return failedClosed("malformed reply: " + malformed->reason);
+    }
+    if (const auto* error = std::get_if<MCPMutationError>(&decoded)) {
+        return {HoldOutcomeKind::failedOpen, error->message};
+    }
+    const json& result = std::get<MCPMutationSuccess>(decoded).result;
+    const std::optional<std::string_view> decision = stringMember(result, "decision");
+    if (!decision) {
+        return failedClosed("malformed action hold reply");
+    }
+    if (*decision == "allow") {
+        return {HoldOutcomeKind::allowed, {}};
+    }
+    if (*decision == "deny") {
+        return {HoldOutcomeKind::refused, std::string(stringMember(result, "reason").value_or(""))};
+    }
+    return failedClosed("unknown action hold decision " + std::string(*decision));
+}
+
+std::string denyLine(std::string_view reason) {
+    return dumpCompact(json{{"hookSpecificOutput",
+                             {{"hookEventName", "PreToolUse"},
+                              {"permissionDecision", "deny"},
+                              {"permissionDecisionReason", reason}}}}) +
+           "\n";
+}
+
+std::string readAllInput() {
+    std::string input;
+    char chunk[65536];
+    for (;;) {
+        const ssize_t n = ::read(STDIN_FILENO, chunk, sizeof chunk);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            return input;
+        }
+        input.append(chunk, static_cast<std::size_t>(n));
+        if (input.size() > kMaxHookInputBytes) {
+            return {};  // unreadable: let the call through
+        }
+    }
+}
+
+}  // namespace
+
+HoldOutcome askOwner(const AppClient& app, const json& args, const HoldWait& wait) {
+    Result<UniqueFd> socket = app.connectToApp(wait.limit);
+    if (!socket) {
+        return {HoldOutcomeKind::failedOpen, socket.error().message};
+    }
+    const std::string request = encodeMCPMutationRequest(
+        ActionHoldWire::kMethod, app.withAgentContext(args, /*cancelOnDisconnect=*/false));
+    if (Status written = writeAll(socket->get(), request); !written) {
+        return {HoldOutcomeKind::failedOpen, written.error().message};
+    }
+    // The request is whole: from here on a failure refuses the call rather than letting it run.
+    ::shutdown(socket->get(), SHUT_WR);
+    return readOwnerReply(socket->get(), wait);
+}
+
+HookResult runHook(std::string_view input, const AppClient& app,
+                   const std::optional<std::string>& token, const HoldWait& wait) {
+    HookResult result;
+    const BoundedParse parsed = parseJsonBounded(input, kMaxHookInputDepth);
+    const json& call = parsed.value;
+    const json* toolName = member(call, "tool_name");
+    const json* toolInput = member(call, "tool_input");
+    if (toolName == nullptr || !toolName->is_string() || toolInput == nullptr ||
+        !toolInput->is_object()) {
+        result.logLines.emplace_back("unreadable hook input; allowing");
+        return result;
+    }
+    const std::vector<ActionHoldMatch> matches =
+        ActionHoldClassifier::classify(toolName->get_ref<const std::string&>(), *toolInput);
+    if (matches.empty()) {
+        return result;
+    }
+    json wireMatches = json::array();
+    for (const ActionHoldMatch& match : matches) {
+        wireMatches.push_back(match.wireValue());
+    }
+    json args = {{"matches", std::move(wireMatches)}, {"tool", *toolName}};
+    if (token && !token->empty()) {
+        args["token"] = *token;
+    }
+    const HoldOutcome outcome = askOwner(app, args, wait);
+    switch (outcome.kind) {
+        case HoldOutcomeKind::allowed:
+        case HoldOutcomeKind::agentGone:
+            break;
+        case HoldOutcomeKind::refused:
+            result.output = denyLine(outcome.text);
+            break;
+        case HoldOutcomeKind::failedOpen:
+            result.logLines.push_back(outcome.text + "; allowing");
+            break;
+        case HoldOutcomeKind::failedClosed:
+            result.logLines.push_back(outcome.text + "; not running it");
+            result.output = denyLine(kFailedClosedReason);
+            break;
+    }
+    return result;
+}
+
+void runActionHoldHook(const std::optional<std::string>& agentName, bool assistantOrigin) {
+    // An agent that stops reading our answer must not kill the hook with a signal.
+    ::signal(SIGPIPE, SIG_IGN);
+    HookResult result;
+    try {
+        const pid_t agent = ::getppid();
+        const AppClient app(AppClientOptions{userHomeDirectory(), agentName, assistantOrigin, {}});
+        const char* token = std::getenv(std::string(ActionHoldWire::kTokenEnvKey).c_str());
+        const HoldWait wait{std::chrono::milliseconds(500),
+                            std::chrono::seconds(ActionHoldWire::kReplyTimeoutSeconds),
+                            [agent] { return ::getppid() == agent; }};
+        result = runHook(readAllInput(), app,
+                         token ? std::optional<std::string>(token) : std::nullopt, wait);
+    } catch (const std::exception& error) {
+        // Nothing was asked, so nothing is refused: the call goes on as if there were no hook.
+        result = HookResult{{}, {std::string(error.what()) + "; allowing"}};
+    }
+    for (const std::string& line : result.logLines) {
+        logLine(kHookLogPrefix, line);
+    }
+    std::size_t written = 0;
+    while (written < result.output.size()) {
+        const ssize_t n =
+            ::write(STDOUT_FILENO, result.output.data() + written, result.output.size() - written);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            break;
+        }
+        written += static_cast<std::size_t>(n);
+    }
     std::exit(0);
 }
 

@@ -98,7 +98,11 @@ FakeApp::FakeApp(std::filesystem::path socketPath, std::optional<std::pair<uid_t
 }
 
 FakeApp::~FakeApp() {
-    stopping_ = true;
+    {
+        std::lock_guard<std::mutex> guard(lock_);
+        stopping_ = true;
+    }
+    changed_.notify_all();
     ::shutdown(listener_, SHUT_RDWR);
     {
         std::lock_guard<std::mutex> guard(lock_);
@@ -176,8 +180,13 @@ void FakeApp::serve(int fd) {
             return stop.stop_requested();
         });
     } else {
-        std::this_thread::sleep_for(reply.delay);
-        writeAllBytes(fd, reply.bytes);
+        std::unique_lock<std::mutex> guard(lock_);
+        const bool stopped =
+            changed_.wait_for(guard, reply.delay, [this] { return stopping_.load(); });
+        guard.unlock();
+        if (!stopped) {
+            writeAllBytes(fd, reply.bytes);
+        }
     }
     {
         std::lock_guard<std::mutex> guard(lock_);

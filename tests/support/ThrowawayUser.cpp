@@ -78,6 +78,15 @@ void ThrowawayUser::resetHome() const {
     }
 }
 
+std::filesystem::path ThrowawayUser::makeHomeDirectories(
+    const std::filesystem::path& relative) const {
+    std::filesystem::create_directories(home / relative);
+    for (std::filesystem::path path = home / relative; path != home; path = path.parent_path()) {
+        chownTree(path, uid, gid);
+    }
+    return home / relative;
+}
+
 void ThrowawayUser::writeHomeFile(const std::filesystem::path& relative,
                                   std::string_view contents) const {
     writeFile(home / relative, contents);

@@ -1,0 +1,129 @@
+// The hook as agents run it: the real binary, as the user whose app answers, one call per run.
+#include <gtest/gtest.h>
+
+#include "protocol/MCPSocketPath.h"
+#include "support/FakeApp.h"
+#include "support/ServerProcess.h"
+#include "support/ThrowawayUser.h"
+
+namespace orvo::test {
+namespace {
+
+const std::string kForcePush =
+    R"({"session_id":"s1","transcript_path":"/tmp/t.jsonl","cwd":"/repo","hook_event_name":"PreToolUse","tool_name":"Bash","tool_input":{"command":"git push --force origin main"}})";
+
+class HookProcessTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string whyNot;
+        user_ = ThrowawayUser::get(whyNot);
+        if (user_ == nullptr) {
+            GTEST_SKIP() << whyNot;
+        }
+        user_->resetHome();
+        const auto socket = MCPSocketPath::resolve(user_->home);
+        user_->makeHomeDirectories(std::filesystem::relative(socket.parent_path(), user_->home));
+        app_ = std::make_unique<FakeApp>(socket, std::pair{user_->uid, user_->gid});
+    }
+    ProcessOptions hookOptions() const {
+        ProcessOptions options;
+        options.arguments = {"--action-hold-hook"};
+        options.uid = user_->uid;
+        options.gid = user_->gid;
+        options.environment = {{"ORVO_ACTION_HOLD_TOKEN", "tok"}};
+        return options;
+    }
+    struct Run {
+        std::string output;
+        std::string log;
+        std::optional<int> status;
+    };
+    Run runHook(const std::string& input) {
+        ServerProcess hook(hookOptions());
+        hook.send(input);
+        hook.closeInput();
+        Run run;
+        while (std::optional<std::string> line = hook.readLine()) {
+            run.output += *line + "\n";
+        }
+        run.status = hook.waitForExit();
+        run.log = hook.standardError();
+        return run;
+    }
+
+    const ThrowawayUser* user_ = nullptr;
+    std::unique_ptr<FakeApp> app_;
+};
+
+TEST_F(HookProcessTest, EachOutcomeAsTheAgentSeesIt) {
+    const std::string fixedDeny =
+        R"({"hookSpecificOutput":{"hookEventName":"PreToolUse","permissionDecision":"deny","permissionDecisionReason":"Orvo did not answer while this was waiting, so it did not run. Do not retry it unless the owner asks again."}})"
+        "\n";
+    const struct {
+        std::string name;
+        std::optional<FakeReply> reply;  // none: the app is not running
+        std::string input;
+        std::string output;
+        std::string log;
+    } cases[] = {
+        {"allowed", successReply({{"decision", "allow"}}), kForcePush, "", ""},
+        {"refused", successReply({{"decision", "deny"}, {"reason", "not now"}}), kForcePush,
+         R"({"hookSpecificOutput":{"hookEventName":"PreToolUse","permissionDecision":"deny","permissionDecisionReason":"not now"}})"
+         "\n",
+         ""},
+        {"failed closed", successReply({{"decision", "maybe"}}), kForcePush, fixedDeny,
+         "orvo-agent action hold: unknown action hold decision maybe; not running it\n"},
+        {"nothing held", successReply({{"decision", "deny"}}),
+         R"({"tool_name":"Read","tool_input":{"file_path":"/etc/passwd"}})", "", ""},
+        {"unreadable input", successReply({{"decision", "deny"}}), "{\"tool_name\":", "",
+         "orvo-agent action hold: unreadable hook input; allowing\n"},
+        // Last: the app is gone from here on.
+        {"failed open", std::nullopt, kForcePush, "",
+         "orvo-agent action hold: Orvo app is not running \u2014 open the app and try again.; "
+         "allowing\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        if (!c.reply) {
+            app_.reset();
+        } else {
+            app_->on("action_hold", *c.reply);
+        }
+        const Run run = runHook(c.input);
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(run.output, c.output);
+        EXPECT_EQ(run.log, c.log);
+    }
+}
+
+TEST_F(HookProcessTest, SendsTheMatchesToolAndTokenAsTheAgentsUser) {
+    app_->on("action_hold", successReply({{"decision", "allow"}}));
+    EXPECT_EQ(runHook(kForcePush).status, 0);
+    ASSERT_EQ(app_->received().size(), 1u);
+    EXPECT_EQ(app_->received()[0].request["args"],
+              json::parse(R"({"matches":[{"base":"Force-push the branch","category":"publishing",
+                  "detail":"git push --force origin main","progressive":"Force-pushing the branch"}],
+                  "token":"tok","tool":"Bash"})"));
+}
+
+TEST_F(HookProcessTest, AnAgentThatExitsWhileTheOwnerDecidesEndsTheHookQuietly) {
+    FakeReply slow = successReply({{"decision", "deny"}});
+    slow.delay = std::chrono::seconds(60);
+    app_->on("action_hold", slow);
+    // The shell stands for the agent: it starts the hook, then exits while the hook waits.
+    ProcessOptions options = hookOptions();
+    options.program = "/bin/sh";
+    options.arguments = {"-c", "printf '%s' \"$CALL\" | \"$HOOK\" --action-hold-hook & sleep 0.5"};
+    options.environment.emplace_back("CALL", kForcePush);
+    options.environment.emplace_back("HOOK", ORVO_BINARY_PATH);
+    const auto start = std::chrono::steady_clock::now();
+    ServerProcess agent(options);
+    EXPECT_EQ(agent.readLine(std::chrono::seconds(20)), std::nullopt);  // output closed, empty
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+    EXPECT_EQ(app_->received().size(), 1u);
+    EXPECT_EQ(agent.waitForExit(), 0);
+    EXPECT_EQ(agent.standardError(), "");
+}
+
+}  // namespace
+}  // namespace orvo::test

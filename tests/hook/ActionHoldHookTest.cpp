@@ -1,0 +1,142 @@
+#include "hook/ActionHoldHook.h"
+
+#include <gtest/gtest.h>
+
+#include "protocol/MCPSocketPath.h"
+#include "support/FakeApp.h"
+#include "support/ServerProcess.h"
+
+namespace orvo {
+namespace {
+
+using namespace std::chrono_literals;
+
+const std::string kForcePush =
+    R"({"tool_name":"Bash","tool_input":{"command":"git push --force origin main"}})";
+const std::string kDenyFixed =
+    R"({"hookSpecificOutput":{"hookEventName":"PreToolUse","permissionDecision":"deny","permissionDecisionReason":"Orvo did not answer while this was waiting, so it did not run. Do not retry it unless the owner asks again."}})"
+    "\n";
+
+class ActionHoldHookTest : public ::testing::Test {
+protected:
+    HookResult run(
+        std::string_view input, std::optional<std::string> token = std::nullopt,
+        std::function<bool()> agentStillThere = [] { return true; }) {
+        const AppClient app(AppClientOptions{home_.path(), "claude", false, {}});
+        return runHook(input, app, token, HoldWait{20ms, 400ms, std::move(agentStillThere)});
+    }
+    std::filesystem::path socketPath() const { return MCPSocketPath::resolve(home_.path()); }
+    test::TempDir home_;
+};
+
+TEST_F(ActionHoldHookTest, EveryOutcomeOfTheExchange) {
+    // The hook half-closes once its request is sent, so an app that is still deciding is one
+    // that answers late.
+    test::FakeReply late = test::successReply({{"decision", "allow"}});
+    late.delay = 1s;
+    const struct {
+        std::string name;
+        test::FakeReply reply;
+        std::string output;
+        std::vector<std::string> log;
+    } cases[] = {
+        {"allowed", test::successReply({{"decision", "allow"}}), "", {}},
+        {"refused",
+         test::successReply({{"decision", "deny"}, {"reason", "not now"}}),
+         R"({"hookSpecificOutput":{"hookEventName":"PreToolUse","permissionDecision":"deny","permissionDecisionReason":"not now"}})"
+         "\n",
+         {}},
+        {"refused without a reason",
+         test::successReply({{"decision", "deny"}, {"reason", 7}}),
+         R"({"hookSpecificOutput":{"hookEventName":"PreToolUse","permissionDecision":"deny","permissionDecisionReason":""}})"
+         "\n",
+         {}},
+        {"error reply fails open",
+         test::errorReply("consent_denied", "Denied"),
+         "",
+         {"Denied; allowing"}},
+        {"unknown decision",
+         test::successReply({{"decision", "maybe"}}),
+         kDenyFixed,
+         {"unknown action hold decision maybe; not running it"}},
+        {"no decision",
+         test::successReply({{"decided", "allow"}}),
+         kDenyFixed,
+         {"malformed action hold reply; not running it"}},
+        {"result not an object",
+         test::successReply(json::array()),
+         kDenyFixed,
+         {"malformed action hold reply; not running it"}},
+        {"closed without reply",
+         test::FakeReply{""},
+         kDenyFixed,
+         {"the app closed the connection without a reply; not running it"}},
+        {"malformed envelope",
+         test::FakeReply{"nope"},
+         kDenyFixed,
+         {"malformed reply: response was not a JSON object; not running it"}},
+        {"too large",
+         test::FakeReply{std::string(kMaxReplyBytes + 1, ' ')},
+         kDenyFixed,
+         {"reply too large; not running it"}},
+        {"no reply in time", late, kDenyFixed, {"no reply in time; not running it"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        test::FakeApp app(socketPath());
+        app.on("action_hold", c.reply);
+        const HookResult result = run(kForcePush, "tok-1");
+        EXPECT_EQ(result.output, c.output);
+        EXPECT_EQ(result.logLines, c.log);
+        ASSERT_TRUE(app.waitForRequests(1));
+        EXPECT_EQ(
+            app.received()[0].line,
+            R"({"args":{"_agent":"claude","matches":[{"base":"Force-push the branch","category":"publishing","detail":"git push --force origin main","progressive":"Force-pushing the branch"}],"token":"tok-1","tool":"Bash"},"method":"action_hold"})");
+    }
+}
+
+TEST_F(ActionHoldHookTest, AsksOnlyForHeldCallsAndLetsUnreadableInputThrough) {
+    test::FakeApp app(socketPath());
+    const struct {
+        std::string input;
+        std::vector<std::string> log;
+    } cases[] = {
+        {R"({"tool_name":"Read","tool_input":{"file_path":"/etc/hosts"}})", {}},
+        {R"({"tool_name":"Bash","tool_input":{"command":"git status"}})", {}},
+        {R"({"tool_name":"Bash","tool_input":{"command":"git push --force -n"}})", {}},
+        {"not json", {"unreadable hook input; allowing"}},
+        {R"({"tool_name":"Bash"})", {"unreadable hook input; allowing"}},
+        {R"({"tool_name":1,"tool_input":{}})", {"unreadable hook input; allowing"}},
+        {R"({"tool_name":"Bash","tool_input":"git push -f"})", {"unreadable hook input; allowing"}},
+        {std::string(1 << 20, '['), {"unreadable hook input; allowing"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.input.substr(0, 80));
+        const HookResult result = run(c.input);
+        EXPECT_EQ(result.output, "");
+        EXPECT_EQ(result.logLines, c.log);
+    }
+    EXPECT_TRUE(app.received().empty());
+}
+
+TEST_F(ActionHoldHookTest, FailsOpenWithoutTheAppAndQuietlyWhenTheAgentIsGone) {
+    HookResult result = run(kForcePush);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.logLines,
+              std::vector<std::string>{
+                  "Orvo app is not running \u2014 open the app and try again.; allowing"});
+
+    test::FakeApp app(socketPath());
+    test::FakeReply late = test::successReply({{"decision", "deny"}});
+    late.delay = 1s;
+    app.on("action_hold", late);
+    int checks = 0;
+    result = run(kForcePush, "", [&] { return ++checks < 3; });
+    EXPECT_EQ(result.output, "");
+    EXPECT_TRUE(result.logLines.empty());
+    ASSERT_TRUE(app.waitForFinished(1));
+    EXPECT_EQ(app.received()[0].request["args"].contains("token"), false);  // empty token left out
+}
+
+}  // namespace
+}  // namespace orvo
