@@ -12,6 +12,7 @@ namespace orvo {
 std::span<const MCPTool* const> localFileTools();
 std::span<const MCPTool* const> slateAndPersonaTools();
 std::span<const MCPTool* const> followUpAndHistoryTools();
+std::span<const MCPTool* const> playbookTools();
 
 // Every implemented tool, in the registration order that the metadata table fixes.
 std::span<const MCPTool* const> registeredTools();
