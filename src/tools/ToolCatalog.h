@@ -10,6 +10,10 @@ namespace orvo {
 
 // Family catalogues, each in its own file.
 std::span<const MCPTool* const> localFileTools();
+std::span<const MCPTool* const> slateAndPersonaTools();
+std::span<const MCPTool* const> followUpAndHistoryTools();
+std::span<const MCPTool* const> playbookTools();
+std::span<const MCPTool* const> scheduleTools();
 
 // Every implemented tool, in the registration order that the metadata table fixes.
 std::span<const MCPTool* const> registeredTools();

@@ -5,6 +5,8 @@
 
 #include "support/ServerProcess.h"
 #include "support/ThrowawayUser.h"
+#include "tools/ToolCatalog.h"
+#include "tools/ToolRegistry.h"
 
 namespace orvo::test {
 namespace {
@@ -152,18 +154,22 @@ TEST(ServerSessionTest, ToolListIsSortedAndTheSameOnEveryRun) {
     }
 }
 
+// The process must arrive at the selection its flags and environment name; which tools that
+// selection offers is the registry's own test.
 TEST(ServerSessionTest, SelectsToolsFromFlagsAndEnvironment) {
+    using enum MCPToolset;
     const struct {
         std::vector<std::string> arguments;
         std::string origin;
-        std::vector<std::string> names;
+        ToolSelection selection;
     } cases[] = {
-        {{}, "", {"current_settings", "orvo_version"}},
-        {{"--toolsets", " state , nope"}, "1", {"current_settings", "orvo_version"}},
-        {{"--toolsets", "voice"}, "", {}},
-        {{"--read-only", "--toolsets"}, "true", {"current_settings", "orvo_version"}},
+        {{}, "", {}},
+        {{"--toolsets", " state , nope"}, "1", {true, {state}, false}},
+        {{"--toolsets", "voice"}, "", {false, {voice}, false}},
+        {{"--read-only", "--toolsets"}, "true", {false, MCPToolsets::all(), true}},
     };
     for (const auto& c : cases) {
+        SCOPED_TRACE(::testing::PrintToString(c.arguments) + " origin " + c.origin);
         ProcessOptions options;
         options.arguments = c.arguments;
         options.environment = {{"ORVO_ASSISTANT_ORIGIN", c.origin}};
@@ -173,7 +179,12 @@ TEST(ServerSessionTest, SelectsToolsFromFlagsAndEnvironment) {
         for (const json& tool : response["result"]["tools"]) {
             names.push_back(tool["name"]);
         }
-        EXPECT_EQ(names, c.names);
+        const ToolRegistry registry = ToolRegistry::assemble(registeredTools(), c.selection);
+        std::vector<std::string> expected;
+        for (const MCPTool* tool : registry.tools()) {
+            expected.emplace_back(tool->name());
+        }
+        EXPECT_EQ(names, expected);
     }
 }
 
