@@ -10,6 +10,7 @@ namespace orvo {
 
 // Family catalogues, each in its own file.
 std::span<const MCPTool* const> localFileTools();
+std::span<const MCPTool* const> computerUseTools();
 
 // Every implemented tool, in the registration order that the metadata table fixes.
 std::span<const MCPTool* const> registeredTools();
