@@ -11,6 +11,7 @@ namespace orvo {
 // Family catalogues, each in its own file.
 std::span<const MCPTool* const> localFileTools();
 std::span<const MCPTool* const> computerUseTools();
+std::span<const MCPTool* const> meetingTools();
 
 // Every implemented tool, in the registration order that the metadata table fixes.
 std::span<const MCPTool* const> registeredTools();
