@@ -10,7 +10,7 @@ namespace orvo {
 std::span<const MCPTool* const> registeredTools() {
     static const std::vector<const MCPTool*> kOrdered = [] {
         std::vector<const MCPTool*> tools;
-        for (auto family : {localFileTools, computerUseTools, meetingTools}) {
+        for (auto family : {localFileTools, computerUseTools, meetingTools, voiceSettingsTools}) {
             std::span<const MCPTool* const> members = family();
             tools.insert(tools.end(), members.begin(), members.end());
         }

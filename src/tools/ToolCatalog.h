@@ -12,6 +12,7 @@ namespace orvo {
 std::span<const MCPTool* const> localFileTools();
 std::span<const MCPTool* const> computerUseTools();
 std::span<const MCPTool* const> meetingTools();
+std::span<const MCPTool* const> voiceSettingsTools();
 
 // Every implemented tool, in the registration order that the metadata table fixes.
 std::span<const MCPTool* const> registeredTools();
