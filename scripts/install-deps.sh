@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ clang libclang-rt-14-dev nlohmann-json3-dev libutf8proc-dev
-          libgtest-dev libgmock-dev libbenchmark-dev passwd "$@")
+          libgtest-dev libgmock-dev libbenchmark-dev passwd python3-jsonschema "$@")
 missing=()
 for package in "${packages[@]}"; do
     if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then

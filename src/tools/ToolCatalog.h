@@ -10,6 +10,9 @@ namespace orvo {
 
 // Family catalogues, each in its own file.
 std::span<const MCPTool* const> localFileTools();
+std::span<const MCPTool* const> computerUseTools();
+std::span<const MCPTool* const> meetingTools();
+std::span<const MCPTool* const> voiceSettingsTools();
 std::span<const MCPTool* const> slateAndPersonaTools();
 std::span<const MCPTool* const> followUpAndHistoryTools();
 std::span<const MCPTool* const> playbookTools();

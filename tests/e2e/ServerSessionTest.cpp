@@ -51,9 +51,9 @@ TEST(ServerSessionTest, AnswersEachLineWithTheExactResponse) {
         {R"({"id":8,"method":"prompts/get","params":{}})",
          R"({"error":{"code":-32602,"message":"Missing 'name' in prompts/get"},"id":8,"jsonrpc":"2.0"})"},
         {R"({"id":9,"method":"prompts/get","params":{"name":"speak_every_reply"}})",
-         R"({"error":{"code":-32602,"message":"Unknown prompt: speak_every_reply"},"id":9,"jsonrpc":"2.0"})"},
+         R"({"id":9,"jsonrpc":"2.0","result":{"description":"Speak every assistant reply for this session until you say “stop speaking.”","messages":[{"content":{"text":"For this session, use the Orvo MCP `speak` tool on every assistant turn until I explicitly say “stop speaking.”","type":"text"},"role":"user"}]}})"},
         {R"({"id":10,"method":"prompts/list"})",
-         R"({"id":10,"jsonrpc":"2.0","result":{"prompts":[]}})"},
+         R"({"id":10,"jsonrpc":"2.0","result":{"prompts":[{"arguments":[],"description":"Speak every assistant reply for this session until you say “stop speaking.”","name":"speak_every_reply"}]}})"},
     };
     ServerProcess server;
     for (const auto& c : cases) {
@@ -158,14 +158,17 @@ TEST(ServerSessionTest, ToolListIsSortedAndTheSameOnEveryRun) {
 // selection offers is the registry's own test.
 TEST(ServerSessionTest, SelectsToolsFromFlagsAndEnvironment) {
     using enum MCPToolset;
+    // What the flags and the environment must come to; the registry's own tests pin what each
+    // selection offers, so this holds as tool families are added.
     const struct {
         std::vector<std::string> arguments;
         std::string origin;
         ToolSelection selection;
     } cases[] = {
-        {{}, "", {}},
+        {{}, "", {false, MCPToolsets::all(), false}},
         {{"--toolsets", " state , nope"}, "1", {true, {state}, false}},
         {{"--toolsets", "voice"}, "", {false, {voice}, false}},
+        {{"--toolsets", "nope"}, "", {false, {}, false}},
         {{"--read-only", "--toolsets"}, "true", {false, MCPToolsets::all(), true}},
     };
     for (const auto& c : cases) {
@@ -209,7 +212,38 @@ TEST(ServerSessionTest, VersionComesFromResourcesBesideTheRealBinary) {
     EXPECT_EQ(response["result"]["serverInfo"],
               json::parse(R"({"name":"orvo-agent","version":"1.4.2"})"));
     EXPECT_EQ(response["result"]["protocolVersion"], "2024-11-05");
-    EXPECT_EQ(response["result"]["capabilities"], json::parse(R"({"tools":{"listChanged":true}})"));
+}
+
+TEST(ServerSessionTest, OnlyAToolSetWithSpeakOffersVoice) {
+    const struct {
+        std::vector<std::string> arguments;
+        std::string origin;
+        bool voice;
+    } cases[] = {
+        {{}, "", true},
+        {{"--toolsets", "state,meetings"}, "", false},
+        {{}, "1", false},  // the app's own assistant speaks through the app
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(::testing::PrintToString(c.arguments) + " origin " + c.origin);
+        ProcessOptions options;
+        options.arguments = c.arguments;
+        options.environment = {{"ORVO_ASSISTANT_ORIGIN", c.origin}};
+        ServerProcess server(options);
+        json result = server.request({{"id", 1}, {"method", "initialize"}})["result"];
+        EXPECT_EQ(result["capabilities"],
+                  json::parse(
+                      c.voice ? R"({"prompts":{"listChanged":false},"tools":{"listChanged":true}})"
+                              : R"({"tools":{"listChanged":true}})"));
+        const std::string instructions = result["instructions"];
+        EXPECT_EQ(instructions.ends_with("require one-time connected-agent consent."), !c.voice);
+        EXPECT_EQ(instructions.find("\nSESSION VOICE: ") != std::string::npos, c.voice);
+        json prompts = server.request({{"id", 2}, {"method", "prompts/list"}});
+        EXPECT_EQ(prompts["result"]["prompts"].size(), c.voice ? 1u : 0u);
+        const json prompt = server.request(
+            {{"id", 3}, {"method", "prompts/get"}, {"params", {{"name", "speak_every_reply"}}}});
+        EXPECT_EQ(prompt.contains("result"), c.voice) << prompt;
+    }
 }
 
 class ThrowawayHomeTest : public ::testing::Test {
@@ -232,7 +266,9 @@ protected:
 };
 
 TEST_F(ThrowawayHomeTest, InstructionsNameTheDocsUnderTheUsersHome) {
-    ServerProcess server(asUser());
+    ProcessOptions options = asUser();
+    options.arguments = {"--toolsets", "state"};  // no speak: the voice paragraph is left out
+    ServerProcess server(options);
     json response = server.request({{"id", 1}, {"method", "initialize"}});
     const std::string expected =
         "ORVO TOOLS: most tools need Orvo running. Docs: <file> points into " +
