@@ -1,0 +1,126 @@
+// Sessions of the real binary against a fake app, as the user whose app it is.
+#include <gtest/gtest.h>
+
+#include "protocol/MCPSocketPath.h"
+#include "support/FakeApp.h"
+#include "support/ServerProcess.h"
+#include "support/ThrowawayUser.h"
+#include "tools/ToolCatalog.h"
+#include "tools/ToolRegistry.h"
+
+namespace orvo::test {
+namespace {
+
+json toolCall(const json& id, std::string_view name, const json& arguments = json::object()) {
+    return {{"jsonrpc", "2.0"},
+            {"id", id},
+            {"method", "tools/call"},
+            {"params", {{"name", name}, {"arguments", arguments}}}};
+}
+
+class AppSessionTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string whyNot;
+        user_ = ThrowawayUser::get(whyNot);
+        if (user_ == nullptr) {
+            GTEST_SKIP() << whyNot;
+        }
+        user_->resetHome();
+        const auto socket = MCPSocketPath::resolve(user_->home);
+        user_->makeHomeDirectories(std::filesystem::relative(socket.parent_path(), user_->home));
+        app_ = std::make_unique<FakeApp>(socket, std::pair{user_->uid, user_->gid});
+    }
+    std::unique_ptr<ServerProcess> startServer(std::vector<std::string> arguments = {}) {
+        ProcessOptions options;
+        options.arguments = std::move(arguments);
+        options.uid = user_->uid;
+        options.gid = user_->gid;
+        return std::make_unique<ServerProcess>(options);
+    }
+    FakeReply held() const {
+        FakeReply reply;
+        reply.holdUntilDisconnect = true;
+        return reply;
+    }
+
+    const ThrowawayUser* user_ = nullptr;
+    std::unique_ptr<FakeApp> app_;
+};
+
+TEST_F(AppSessionTest, EveryForwardedToolReachesTheAppUnchanged) {
+    auto server = startServer({"--agent", "claude"});
+    const ToolRegistry registry = ToolRegistry::assemble(registeredTools(), {});
+    std::vector<std::string> forwarded;
+    const json arguments = {{"not_in_any_schema", {1, "a/b", nullptr}}, {"templateName", nullptr}};
+    int id = 0;
+    for (const MCPTool* tool : registry.tools()) {
+        const std::string name(tool->name());
+        const std::size_t before = app_->received().size();
+        const json response = server->request(toolCall(++id, name, arguments));
+        ASSERT_TRUE(response.contains("result") || response.contains("error")) << name;
+        if (app_->received().size() == before) {
+            continue;  // answered locally
+        }
+        forwarded.push_back(name);
+        const ReceivedRequest last = app_->received().back();
+        SCOPED_TRACE(name);
+        EXPECT_EQ(last.request["method"], name);
+        json expected = arguments;
+        expected["_agent"] = "claude";
+        if (name.starts_with("computer_")) {
+            expected["_cancelOnDisconnect"] = true;
+        }
+        EXPECT_EQ(last.request["args"], expected);
+        EXPECT_EQ(response["result"],
+                  json::parse(R"({"content":[{"type":"text","text":"{}"}],"isError":false})"));
+    }
+    // Everything but the tools that answer from local files goes to the app.
+    EXPECT_GE(forwarded.size(), registry.tools().size() - 8);
+}
+
+TEST_F(AppSessionTest, RefusalsAndOddResultsReachTheAgentAsErrors) {
+    app_->on("get_meeting_notes",
+             errorReply("consent_denied", "Denied", json{{"code", "x"}, {"n", 1}}));
+    app_->on("list_meetings", successReply("just text"));
+    auto server = startServer();
+    EXPECT_EQ(server->request(toolCall(1, "get_meeting_notes", {{"id", "m-42"}})),
+              json::parse(R"({"jsonrpc":"2.0","id":1,"error":{"code":-32012,"message":"Denied",
+                  "data":{"code":"consent_denied","n":1}}})"));
+    EXPECT_EQ(server->request(toolCall(2, "list_meetings")),
+              json::parse(R"({"jsonrpc":"2.0","id":2,"error":{"code":-32603,
+                  "message":"Internal error: tool result is not a JSON object or array"}})"));
+}
+
+TEST_F(AppSessionTest, ComputerUseCallsAreLimitedDeduplicatedAndCancellable) {
+    app_->on("computer_inspect", held());
+    app_->on("computer_click", held());
+    auto server = startServer();
+    server->sendLine(dumpCompact(toolCall(5, "computer_click")));
+    server->sendLine(dumpCompact(toolCall(5, "computer_inspect")));
+    EXPECT_EQ(json::parse(server->readLine().value_or("null")),
+              json::parse(R"({"jsonrpc":"2.0","id":5,"error":{"code":-32600,
+                  "message":"Duplicate request id"}})"));
+    for (int id = 6; id < 21; ++id) {
+        server->sendLine(dumpCompact(toolCall(id, "computer_inspect")));
+    }
+    ASSERT_TRUE(app_->waitForRequests(16));
+    server->sendLine(dumpCompact(toolCall("5", "computer_inspect")));
+    EXPECT_EQ(json::parse(server->readLine().value_or("null")),
+              json::parse(R"({"jsonrpc":"2.0","id":"5","error":{"code":-32000,
+                  "message":"Maximum number of pending Computer Use requests reached"}})"));
+    server->sendLine(R"({"jsonrpc":"2.0","method":"notifications/cancelled","params":{"requestId":5}})");
+    ASSERT_TRUE(app_->waitForFinished(1));
+    EXPECT_TRUE(app_->received()[0].disconnected);
+    // End of input with fifteen calls in flight: each is half-closed, none is answered.
+    server->closeInput();
+    EXPECT_EQ(server->waitForExit(), 0);
+    EXPECT_TRUE(app_->waitForFinished(16));
+    for (const ReceivedRequest& request : app_->received()) {
+        EXPECT_TRUE(request.disconnected);
+    }
+    EXPECT_EQ(server->readLine(std::chrono::milliseconds(100)), std::nullopt);
+}
+
+}  // namespace
+}  // namespace orvo::test
