@@ -55,7 +55,7 @@ void BM_ForwardedCallOverhead(benchmark::State& state) {
         state.SkipWithError("pipe failed");
         return;
     }
-    Server server(registry, ServerOptions{{home.path(), "", &client}, "/docs/", output[1]});
+    Server server(registry, ServerOptions{{home.path(), "", &client}, "/docs/", output[1], {}});
     const std::string line =
         R"({"jsonrpc":"2.0","id":7,"method":"tools/call","params":{"name":"get_meeting_notes","arguments":{"id":"m-42"}}})";
 

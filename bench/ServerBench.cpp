@@ -93,7 +93,7 @@ struct InProcess {
     InProcess()
         : registry(ToolRegistry::assemble(registeredTools(), {})),
           devNull(::open("/dev/null", O_WRONLY)),
-          server(registry, ServerOptions{{}, "/tmp/docs/", devNull}) {}
+          server(registry, ServerOptions{{}, "/tmp/docs/", devNull, generatedToolListing()}) {}
     ToolRegistry registry;
     int devNull;
     Server server;

@@ -5,6 +5,7 @@
 
 #include "hook/ActionHoldHook.h"
 #include "server/Startup.h"
+#include "tools/ToolListing.h"
 
 int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv, argv + argc);
@@ -13,5 +14,5 @@ int main(int argc, char** argv) {
     if (settings.hookMode) {
         orvo::runActionHoldHook(settings.agentName, settings.assistantOrigin);
     }
-    return orvo::runServer(settings);
+    return orvo::runServer(settings, orvo::generatedToolListing());
 }

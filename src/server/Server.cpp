@@ -85,6 +85,13 @@ void Server::handleLine(std::string_view line) {
 }
 
 void Server::handleRequest(const json& id, std::string_view method, const json& params) {
+    if (method == "tools/list") {
+        if (!listingText_) {
+            listingText_ = listingText(registry_, options_.precomputedListing);
+        }
+        answerWithText(id, *listingText_);
+        return;
+    }
     answer(id, catchingInternalErrors([&] { return runMethod(method, params); }));
 }
 
@@ -140,9 +147,6 @@ Result<json> Server::runMethod(std::string_view method, const json& params) {
     }
     if (method == "tools/call") {
         return callTool(params);
-    }
-    if (method == "tools/list") {
-        return registry_.listing();
     }
     if (method == "initialize") {
         return initialize();
@@ -215,6 +219,14 @@ void Server::answer(const json& id, Result<json> outcome) {
     writeResponse(response);
 }
 
+// The same line as answer() would write, with a result that is already JSON text; keys in order.
+void Server::answerWithText(const json& id, std::string_view resultText) {
+    std::string bytes = R"({"id":)";
+    bytes.append(dumpCompact(id)).append(R"(,"jsonrpc":"2.0","result":)").append(resultText);
+    bytes.append("}\n");
+    writeLine(std::move(bytes));
+}
+
 void Server::writeResponse(const json& response) {
     std::string bytes;
     try {
@@ -224,6 +236,10 @@ void Server::writeResponse(const json& response) {
         return;
     }
     bytes.push_back('\n');
+    writeLine(std::move(bytes));
+}
+
+void Server::writeLine(std::string bytes) {
     std::lock_guard<std::mutex> lock(outputLock_);
     std::size_t written = 0;
     while (written < bytes.size()) {

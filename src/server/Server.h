@@ -13,6 +13,7 @@
 #include "server/RequestTracker.h"
 #include "server/WorkQueue.h"
 #include "tools/MCPTool.h"
+#include "tools/ToolListing.h"
 #include "tools/ToolRegistry.h"
 
 namespace orvo {
@@ -25,6 +26,9 @@ struct ServerOptions {
     ToolContext toolContext;
     std::filesystem::path documentationDirectory;  // named in the instructions, never read
     int outputFd = 1;
+    // Listing entries serialised when the program was built; tools without one are serialised
+    // on the first tools/list.
+    std::span<const PrecomputedListingEntry> precomputedListing;
 };
 
 class Server {
@@ -45,12 +49,15 @@ private:
     Result<json> initialize();
     Result<json> callTool(const json& params);
     void answer(const json& id, Result<json> outcome);
+    void answerWithText(const json& id, std::string_view resultText);
     void writeResponse(const json& response);
+    void writeLine(std::string bytes);
 
     const ToolRegistry& registry_;
     ServerOptions options_;
     bool voiceOffer_;
-    std::optional<std::string> version_;  // read at the first initialize
+    std::optional<std::string> version_;      // read at the first initialize
+    std::optional<std::string> listingText_;  // made at the first tools/list; the set never changes
     std::mutex outputLock_;
     RequestTracker requests_;
     WorkerGroup workers_;

@@ -48,7 +48,7 @@ StartupSettings readStartupSettings(std::span<const std::string> arguments,
     return settings;
 }
 
-int runServer(const StartupSettings& settings) {
+int runServer(const StartupSettings& settings, std::span<const PrecomputedListingEntry> listing) {
     // An agent that closes its end of the pipe must not kill us mid-write; the write fails instead.
     ::signal(SIGPIPE, SIG_IGN);
 
@@ -62,6 +62,7 @@ int runServer(const StartupSettings& settings) {
     options.documentationDirectory =
         documentationDirectory(applicationSupportDirectory(options.toolContext.home));
     options.outputFd = STDOUT_FILENO;
+    options.precomputedListing = listing;
     Server server(registry, std::move(options));
 
     LineReader reader(STDIN_FILENO);

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/ToolListing.h"
 #include "tools/ToolRegistry.h"
 
 namespace orvo {
@@ -27,7 +28,8 @@ struct StartupSettings {
 StartupSettings readStartupSettings(std::span<const std::string> arguments,
                                     const char* assistantOriginValue);
 
-// Serves standard input and output until input ends; returns the exit status.
-int runServer(const StartupSettings& settings);
+// Serves standard input and output until input ends; returns the exit status. `listing` holds the
+// tools' listing entries serialised when the program was built.
+int runServer(const StartupSettings& settings, std::span<const PrecomputedListingEntry> listing);
 
 }  // namespace orvo

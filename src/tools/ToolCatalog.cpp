@@ -10,9 +10,9 @@ namespace orvo {
 std::span<const MCPTool* const> registeredTools() {
     static const std::vector<const MCPTool*> kOrdered = [] {
         std::vector<const MCPTool*> tools;
-        for (auto family : {localFileTools, computerUseTools, meetingTools, voiceSettingsTools,
-                            slateAndPersonaTools, followUpAndHistoryTools, playbookTools,
-                            scheduleTools}) {
+        for (auto family :
+             {localFileTools, computerUseTools, meetingTools, voiceSettingsTools,
+              slateAndPersonaTools, followUpAndHistoryTools, playbookTools, scheduleTools}) {
             std::span<const MCPTool* const> members = family();
             tools.insert(tools.end(), members.begin(), members.end());
         }

@@ -54,14 +54,6 @@ const MCPTool* ToolRegistry::find(std::string_view name) const {
     return it != byName_.end() && (*it)->name() == name ? *it : nullptr;
 }
 
-json ToolRegistry::listing() const {
-    json tools = json::array();
-    for (const MCPTool* tool : byName_) {
-        tools.push_back(listingEntry(*tool));
-    }
-    return json{{"tools", std::move(tools)}};
-}
-
 json listingEntry(const MCPTool& tool) {
     const MCPToolMetadata* metadata = toolMetadata(tool.name());
     return json{{"name", tool.name()},

@@ -29,9 +29,6 @@ public:
     // Sorted by name.
     const std::vector<const MCPTool*>& tools() const { return byName_; }
 
-    // The `tools/list` result: every tool's listing entry, sorted by name.
-    json listing() const;
-
 private:
     std::vector<const MCPTool*> byName_;
 };

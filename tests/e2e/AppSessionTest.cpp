@@ -109,7 +109,8 @@ TEST_F(AppSessionTest, ComputerUseCallsAreLimitedDeduplicatedAndCancellable) {
     EXPECT_EQ(json::parse(server->readLine().value_or("null")),
               json::parse(R"({"jsonrpc":"2.0","id":"5","error":{"code":-32000,
                   "message":"Maximum number of pending Computer Use requests reached"}})"));
-    server->sendLine(R"({"jsonrpc":"2.0","method":"notifications/cancelled","params":{"requestId":5}})");
+    server->sendLine(
+        R"({"jsonrpc":"2.0","method":"notifications/cancelled","params":{"requestId":5}})");
     ASSERT_TRUE(app_->waitForFinished(1));
     EXPECT_TRUE(app_->received()[0].disconnected);
     // End of input with fifteen calls in flight: each is half-closed, none is answered.

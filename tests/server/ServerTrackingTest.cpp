@@ -53,7 +53,7 @@ protected:
                                  return method == "slow" ? 20ms : std::chrono::milliseconds(5s);
                              }});
         server_ = std::make_unique<Server>(
-            registry_, ServerOptions{{home_.path(), "", client_.get()}, "/docs/", output_[1]});
+            registry_, ServerOptions{{home_.path(), "", client_.get()}, "/docs/", output_[1], {}});
     }
     void TearDown() override {
         server_.reset();

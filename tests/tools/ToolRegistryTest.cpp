@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "tools/ToolCatalog.h"
+#include "tools/ToolListing.h"
 
 namespace orvo {
 namespace {
@@ -163,7 +164,7 @@ TEST(ToolRegistryTest, ListingEntriesCarryAnnotationsAndNoTitle) {
     EXPECT_EQ(listingEntry(unknown)["annotations"], json::object());
     const FakeTool b("schedule_list"), a("current_settings");
     const MCPTool* tools[] = {&b, &a};
-    const json listing = ToolRegistry::assemble(tools, {}).listing();
+    const json listing = json::parse(listingText(ToolRegistry::assemble(tools, {}), {}));
     EXPECT_EQ(listing["tools"][0]["name"], "current_settings");
     EXPECT_EQ(listing["tools"][1]["name"], "schedule_list");
 }
