@@ -123,57 +123,58 @@ bool runsItsInput(ShellArguments words) {
            readShellInvocation(words.subspan(at + 1)).readsInput;
 }
 
-// A match as found, before merging. Its detail points into the command line and is shared by
-// every match of nested text, so that deep nesting never copies it.
+// A match as found, before merging. It keeps the text of the outermost command that holds it,
+// a view into the command line shared by every match of nested text; the detail is cut from it
+// only when merging, once per command, and only for commands that hold something.
 struct FoundAction {
     HeldAction action;
-    std::string_view detail;
+    std::string_view command;
 };
 
 class CommandReader {
 public:
     std::vector<FoundAction> found;
 
-    // `outerDetail` is the detail of the outermost command, for text nested in it.
-    void readText(std::string_view text, int depth, std::optional<std::string_view> outerDetail) {
+    // `outer` is the outermost command, for text nested in it.
+    void readText(std::string_view text, int depth, std::optional<std::string_view> outer) {
         for (const ShellSegment& segment : splitShellSegments(text)) {
-            readSegment(segment, depth, outerDetail.value_or(segmentDetail(segment.text)));
+            readSegment(segment, depth, outer.value_or(segment.text));
         }
     }
 
 private:
-    void readNested(std::string_view text, int depth, std::string_view detail) {
+    void readNested(std::string_view text, int depth, std::string_view outer) {
         if (!text.empty() && depth < kDeepestNestedText) {
-            readText(text, depth + 1, detail);
+            readText(text, depth + 1, outer);
         }
     }
 
-    void readInputs(const ShellSegment& segment, int depth, std::string_view detail) {
+    void readInputs(const ShellSegment& segment, int depth, std::string_view outer) {
         for (const std::string& input : segment.inputs) {
-            readNested(input, depth, detail);
+            readNested(input, depth, outer);
         }
     }
 
-    void hold(std::optional<HeldAction> action, std::string_view detail) {
+    void hold(std::optional<HeldAction> action, std::string_view outer) {
         if (action) {
-            found.push_back({std::move(*action), detail});
+            found.push_back({std::move(*action), outer});
         }
     }
 
-    void readSegment(const ShellSegment& segment, int depth, std::string_view detail) {
+    void readSegment(const ShellSegment& segment, int depth, std::string_view outer) {
         const ShellArguments words = segment.words;
         const std::size_t at = programIndex(words);
         if (at < words.size()) {
-            readCommand(words[at], words.subspan(at + 1), segment, depth, detail);
+            readCommand(words[at], words.subspan(at + 1), segment, depth, outer);
         }
         // The shell runs substitutions whatever the command is, even one asked for help.
         for (std::string_view substitution : segment.substitutions) {
-            readNested(substitution, depth, detail);
+            readNested(substitution, depth, outer);
         }
     }
 
     void readCommand(std::string_view word, ShellArguments arguments, const ShellSegment& segment,
-                     int depth, std::string_view detail) {
+                     int depth, std::string_view outer) {
         if (std::ranges::find(arguments, "--help") != arguments.end() ||
             std::ranges::find(arguments, "-h") != arguments.end() || isDryRun(arguments)) {
             return;
@@ -186,58 +187,58 @@ private:
                 dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
             if (word.find('/') != std::string_view::npos ||
                 containsWord(kScriptExtensions, extension)) {
-                hold(scriptNameAction(word), detail);
+                hold(scriptNameAction(word), outer);
             }
             return;
         }
         switch (*rule) {
             case ProgramRule::git:
-                return hold(gitAction(arguments), detail);
+                return hold(gitAction(arguments), outer);
             case ProgramRule::github:
-                return hold(githubAction(arguments), detail);
+                return hold(githubAction(arguments), outer);
             case ProgramRule::packagePublishing:
-                return hold(packagePublishingAction(name, arguments), detail);
+                return hold(packagePublishingAction(name, arguments), outer);
             case ProgramRule::wrangler:
-                return hold(wranglerAction(arguments), detail);
+                return hold(wranglerAction(arguments), outer);
             case ProgramRule::make:
-                return hold(makeAction(arguments), detail);
+                return hold(makeAction(arguments), outer);
             case ProgramRule::shell: {
                 const ShellInvocation invocation = readShellInvocation(arguments);
                 if (invocation.commandString) {
-                    readNested(*invocation.commandString, depth, detail);
+                    readNested(*invocation.commandString, depth, outer);
                 } else if (invocation.script) {
-                    hold(scriptNameAction(*invocation.script), detail);
+                    hold(scriptNameAction(*invocation.script), outer);
                 } else {
-                    readInputs(segment, depth, detail);
+                    readInputs(segment, depth, outer);
                 }
                 return;
             }
             case ProgramRule::eval:
-                return readNested(joined(arguments), depth, detail);
+                return readNested(joined(arguments), depth, outer);
             case ProgramRule::ssh: {
                 const ShellArguments remote = sshRemoteCommand(arguments);
-                readNested(joined(remote), depth, detail);
+                readNested(joined(remote), depth, outer);
                 if (runsItsInput(remote)) {
-                    readInputs(segment, depth, detail);
+                    readInputs(segment, depth, outer);
                 }
                 return;
             }
             case ProgramRule::python:
                 // A module runs like the program of that name: `python3 -m twine upload`.
-                readNested(joined(pythonModuleCommand(arguments)), depth, detail);
-                return hold(pythonAction(arguments), detail);
+                readNested(joined(pythonModuleCommand(arguments)), depth, outer);
+                return hold(pythonAction(arguments), outer);
             case ProgramRule::rm:
-                return hold(rmAction(arguments), detail);
+                return hold(rmAction(arguments), outer);
             case ProgramRule::find:
-                return hold(findAction(arguments), detail);
+                return hold(findAction(arguments), outer);
             case ProgramRule::quarn:
-                return hold(quarnAction(arguments), detail);
+                return hold(quarnAction(arguments), outer);
             case ProgramRule::tmux:
-                return hold(tmuxAction(arguments), detail);
+                return hold(tmuxAction(arguments), outer);
             case ProgramRule::osascript:
-                return hold(osascriptAction(arguments), detail);
+                return hold(osascriptAction(arguments), outer);
             case ProgramRule::webRequest:
-                return hold(webRequestAction(name, arguments), detail);
+                return hold(webRequestAction(name, arguments), outer);
         }
     }
 };
@@ -269,15 +270,16 @@ std::vector<ActionHoldMatch> mergeByCategory(const std::vector<FoundAction>& fou
         std::unordered_set<std::string_view> seen;
         std::string_view previous;
         for (const FoundAction* match : group) {
-            // Matches of one command sit together and share its detail by identity; comparing
-            // identity first hashes each command's detail once, however many matches it holds.
-            const bool sameAsPrevious = match->detail.data() == previous.data() &&
-                                        match->detail.size() == previous.size() &&
+            // Matches of one command sit together and share its text by identity, so each
+            // command's detail is cut and compared once, however many matches it holds.
+            const bool sameAsPrevious = match->command.data() == previous.data() &&
+                                        match->command.size() == previous.size() &&
                                         match != group.front();
-            previous = match->detail;
-            if (!sameAsPrevious && seen.insert(match->detail).second) {
+            previous = match->command;
+            const std::string_view detail = sameAsPrevious ? "" : segmentDetail(match->command);
+            if (!sameAsPrevious && seen.insert(detail).second) {
                 result.detail += seen.size() > 1 ? kDetailSeparator : "";
-                result.detail += match->detail;
+                result.detail += detail;
             }
         }
         merged.push_back(std::move(result));

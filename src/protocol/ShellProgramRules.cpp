@@ -68,8 +68,13 @@ std::size_t nextPositional(ShellArguments arguments, std::size_t from, SortedWor
 
 // ----- Release, deployment and publication by name (make targets, scripts, package scripts)
 
+// Only the start is lowered: names can be long, and only their first word counts.
+std::string lowercasedStart(std::string_view name) {
+    return lowercased(name.substr(0, 7));
+}
+
 bool isPublishingName(std::string_view name) {
-    const std::string lower = lowercased(name);
+    const std::string lower = lowercasedStart(name);
     return lower.starts_with("release") || lower.starts_with("deploy") ||
            lower.starts_with("publish");
 }
@@ -97,7 +102,7 @@ std::string nameObject(std::string_view rest) {
 }
 
 std::optional<HeldAction> publishingByName(std::string_view name) {
-    const std::string lower = lowercased(name);
+    const std::string lower = lowercasedStart(name);
     if (lower.starts_with("release")) {
         return held(kRunRelease, publishing);
     }
