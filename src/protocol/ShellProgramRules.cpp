@@ -567,7 +567,7 @@ ShellArguments pythonModuleCommand(ShellArguments arguments) {
     return {};
 }
 
-std::optional<HeldAction> rmAction(ShellArguments arguments) {
+std::optional<HeldAction> rmAction(ShellArguments arguments, bool moreTargetsFromInput) {
     bool recursive = false;
     bool optionsEnded = false;
     std::vector<std::string_view> targets;
@@ -599,7 +599,7 @@ std::optional<HeldAction> rmAction(ShellArguments arguments) {
         }
         return false;
     };
-    if (recursive && !std::ranges::all_of(targets, safe)) {
+    if (recursive && (moreTargetsFromInput || !std::ranges::all_of(targets, safe))) {
         return held(kDeleteFiles, deleting);
     }
     return std::nullopt;
