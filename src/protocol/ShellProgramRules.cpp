@@ -2,11 +2,11 @@
 #include "protocol/ShellProgramRules.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <vector>
 
 #include "protocol/ActionHoldWordTables.h"
+#include "protocol/Graphemes.h"
 
 namespace orvo {
 namespace {
@@ -80,8 +80,9 @@ bool isPublishingName(std::string_view name) {
 }
 
 // What follows a verb-like name such as "deploy-staging" ("staging"), or "the project" when
-// nothing separate follows it.
+// nothing separate follows it. Kept short: it is read in a sentence.
 std::string nameObject(std::string_view rest) {
+    constexpr std::size_t kMaxCharacters = 40;
     constexpr std::string_view kSeparators = "-_:./ ";
     if (rest.empty() || kSeparators.find(rest.front()) == npos) {
         return "the project";
@@ -98,7 +99,7 @@ std::string nameObject(std::string_view rest) {
     while (!object.empty() && object.back() == ' ') {
         object.pop_back();
     }
-    return object.empty() ? "the project" : object;
+    return object.empty() ? "the project" : std::string(prefixGraphemes(object, kMaxCharacters));
 }
 
 std::optional<HeldAction> publishingByName(std::string_view name) {
