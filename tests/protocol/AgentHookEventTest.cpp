@@ -77,7 +77,6 @@ TEST(AgentHookEventTest, EventWithoutOptionalFieldsRoundTrips) {
 }
 
 TEST(AgentHookEventTest, OnlyAllowedEnvironmentKeysTravel) {
-    EXPECT_EQ(AgentHookWire::kAllowedEnvironmentKeys.size(), 28u);
     EXPECT_TRUE(AgentHookWire::isAllowedEnvironmentKey("__CFBundleIdentifier"));
     EXPECT_TRUE(AgentHookWire::isAllowedEnvironmentKey("QUARN_PANE_ID"));
     EXPECT_FALSE(AgentHookWire::isAllowedEnvironmentKey("HOME"));
