@@ -44,22 +44,27 @@ bool isPackageRunner(std::string_view manager, std::string_view command) {
     });
 }
 
-// Skips the options after a wrapper; "--" ends them.
-std::size_t skipOptions(ShellArguments words, std::size_t i, SortedWords valueOptions) {
+// A command's words past assignments, keywords, wrappers and package runners.
+struct Unwrapped {
+    std::size_t program = 0;          // the index of the program word; the word count when none
+    bool argumentsFromInput = false;  // xargs adds arguments read from its input
+    std::optional<std::string_view> commandLine;  // given to a wrapper to run (`env -S`)
+};
+
+// Skips the options after a wrapper, up to "--"; returns the index after them.
+std::size_t skipOptions(ShellArguments words, std::size_t i, SortedWords valueOptions,
+                        SortedWords commandOptions, Unwrapped& unwrapped) {
     while (i < words.size() && words[i].starts_with('-')) {
         if (words[i] == "--") {
             return i + 1;
+        }
+        if (containsWord(commandOptions, words[i]) && i + 1 < words.size()) {
+            unwrapped.commandLine = words[i + 1];
         }
         i += containsWord(valueOptions, words[i]) ? 2 : 1;
     }
     return std::min(i, words.size());
 }
-
-// A command's words past assignments, keywords, wrappers and package runners.
-struct Unwrapped {
-    std::size_t program = 0;          // the index of the program word; the word count when none
-    bool argumentsFromInput = false;  // xargs adds arguments read from its input
-};
 
 Unwrapped unwrap(ShellArguments words) {
     Unwrapped unwrapped;
@@ -71,12 +76,14 @@ Unwrapped unwrap(ShellArguments words) {
             ++i;
         } else if (const ShellWrapper* wrapper = findWrapper(name)) {
             unwrapped.argumentsFromInput = unwrapped.argumentsFromInput || name == "xargs";
-            i = skipOptions(words, i + 1, wrapper->valueOptions);
+            i = skipOptions(words, i + 1, wrapper->valueOptions, wrapper->commandOptions,
+                            unwrapped);
             if (wrapper->skipsDuration && i < words.size()) {
                 ++i;
             }
         } else if (i + 1 < words.size() && isPackageRunner(name, words[i + 1])) {
-            i = skipOptions(words, i + 2, kPackageRunnerOptions);
+            i = skipOptions(words, i + 2, kPackageRunnerOptions, kPackageRunnerCommandOptions,
+                            unwrapped);
         } else {
             break;
         }
@@ -291,7 +298,15 @@ private:
                      std::string_view outer) {
         const ShellArguments words = segment.words;
         const Unwrapped unwrapped = unwrap(words);
-        if (unwrapped.program < words.size()) {
+        if (unwrapped.commandLine) {
+            // The words after the command line are its arguments.
+            std::string text(*unwrapped.commandLine);
+            for (std::string_view word : words.subspan(unwrapped.program)) {
+                text += ' ';
+                text += word;
+            }
+            readNested(text, depth, outer);
+        } else if (unwrapped.program < words.size()) {
             const Command command{words[unwrapped.program], words.subspan(unwrapped.program + 1),
                                   unwrapped.argumentsFromInput, segment, previous};
             if (std::optional<std::string> text =
