@@ -90,20 +90,26 @@ static_assert(std::ranges::is_sorted(kNpxOptions));
 constexpr std::string_view kBunxOptions[] = {"--package", "-p"};
 static_assert(std::ranges::is_sorted(kBunxOptions));
 
+// `env -S 'git push'` and `npx -c 'wrangler deploy'` run the value as a command line.
+constexpr std::string_view kEnvCommandOptions[] = {"--split-string", "-S"};
+static_assert(std::ranges::is_sorted(kEnvCommandOptions));
+constexpr std::string_view kCallOptions[] = {"--call", "-c"};
+static_assert(std::ranges::is_sorted(kCallOptions));
+
 constexpr ShellWrapper kWrapperRows[] = {
-    {"builtin", {}, false},
-    {"bunx", kBunxOptions, false},
-    {"caffeinate", kCaffeinateOptions, false},
-    {"command", {}, false},
-    {"env", kEnvOptions, false},
-    {"exec", kExecOptions, false},
-    {"nice", kNiceOptions, false},
-    {"nohup", {}, false},
-    {"npx", kNpxOptions, false},
-    {"sudo", kSudoOptions, false},
-    {"time", {}, false},
-    {"timeout", kTimeoutOptions, true},
-    {"xargs", kXargsOptions, false},
+    {"builtin", {}, false, {}},
+    {"bunx", kBunxOptions, false, {}},
+    {"caffeinate", kCaffeinateOptions, false, {}},
+    {"command", {}, false, {}},
+    {"env", kEnvOptions, false, kEnvCommandOptions},
+    {"exec", kExecOptions, false, {}},
+    {"nice", kNiceOptions, false, {}},
+    {"nohup", {}, false, {}},
+    {"npx", kNpxOptions, false, kCallOptions},
+    {"sudo", kSudoOptions, false, {}},
+    {"time", {}, false, {}},
+    {"timeout", kTimeoutOptions, true, {}},
+    {"xargs", kXargsOptions, false, {}},
 };
 static_assert(std::ranges::is_sorted(kWrapperRows, {}, &ShellWrapper::name));
 
@@ -271,6 +277,7 @@ const SortedWords kScriptExtensions = kScriptExtensionWords;
 const std::span<const ShellWrapper> kWrappers = kWrapperRows;
 const std::span<const PackageRunner> kPackageRunners = kPackageRunnerRows;
 const SortedWords kPackageRunnerOptions = kPackageRunnerOptionWords;
+const SortedWords kPackageRunnerCommandOptions = kCallOptions;
 const SortedWords kGitValueOptions = kGitValueOptionWords;
 const SortedWords kGitHubQuietValueOptions = kGitHubQuietValueOptionWords;
 const SortedWords kGitHubAPIBodyOptions = kGitHubAPIBodyOptionWords;

@@ -20,8 +20,9 @@ struct PhraseText {
 
 struct ShellWrapper {
     std::string_view name;
-    SortedWords valueOptions;  // options that take the next word as their value
-    bool skipsDuration;        // a duration word follows the options
+    SortedWords valueOptions;    // options that take the next word as their value
+    bool skipsDuration;          // a duration word follows the options
+    SortedWords commandOptions;  // value options whose value is a command line to run
 };
 
 // A pair of leading words, such as `gh pr merge`, and the held action it names.
@@ -78,6 +79,7 @@ extern const SortedWords kScriptExtensions;
 extern const std::span<const ShellWrapper> kWrappers;  // sorted by name
 extern const std::span<const PackageRunner> kPackageRunners;
 extern const SortedWords kPackageRunnerOptions;
+extern const SortedWords kPackageRunnerCommandOptions;
 extern const SortedWords kGitValueOptions;
 extern const SortedWords kGitHubQuietValueOptions;
 extern const SortedWords kGitHubAPIBodyOptions;

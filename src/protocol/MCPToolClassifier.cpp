@@ -167,7 +167,7 @@ std::optional<ActionHoldMatch> classifyMCPTool(std::string_view toolName, const 
         return std::nullopt;
     }
     const std::string provider = providerName(parts[1]);
-    std::string detail = toolDetail(tool, input);
+    std::string detail = toolDetail(normalised, input);
     using enum ActionHoldCategory;
     if (hasAny(kDeletingWords)) {
         return match(deleting, "Deleting something in ", "Delete something in ", provider,

@@ -15,6 +15,8 @@ namespace {
 
 using namespace ShellWords;
 
+constexpr std::size_t npos = std::string_view::npos;
+
 // Text nested deeper than this (a shell in a shell in a shell in a shell) is not read, which
 // bounds the work on hostile input.
 constexpr int kDeepestNestedText = 3;
@@ -42,38 +44,51 @@ bool isPackageRunner(std::string_view manager, std::string_view command) {
     });
 }
 
-// Skips the options after a wrapper; "--" ends them.
-std::size_t skipOptions(ShellArguments words, std::size_t i, SortedWords valueOptions) {
+// A command's words past assignments, keywords, wrappers and package runners.
+struct Unwrapped {
+    std::size_t program = 0;          // the index of the program word; the word count when none
+    bool argumentsFromInput = false;  // xargs adds arguments read from its input
+    std::optional<std::string_view> commandLine;  // given to a wrapper to run (`env -S`)
+};
+
+// Skips the options after a wrapper, up to "--"; returns the index after them.
+std::size_t skipOptions(ShellArguments words, std::size_t i, SortedWords valueOptions,
+                        SortedWords commandOptions, Unwrapped& unwrapped) {
     while (i < words.size() && words[i].starts_with('-')) {
         if (words[i] == "--") {
             return i + 1;
+        }
+        if (containsWord(commandOptions, words[i]) && i + 1 < words.size()) {
+            unwrapped.commandLine = words[i + 1];
         }
         i += containsWord(valueOptions, words[i]) ? 2 : 1;
     }
     return std::min(i, words.size());
 }
 
-// The index of the program word, past assignments, keywords, wrappers and package runners; the
-// word count when the words run nothing.
-std::size_t programIndex(ShellArguments words) {
-    std::size_t i = 0;
+Unwrapped unwrap(ShellArguments words) {
+    Unwrapped unwrapped;
+    std::size_t& i = unwrapped.program;
     while (i < words.size()) {
         const std::string_view word = words[i];
         const std::string_view name = programName(word);
         if (word.find('=') != std::string_view::npos || containsWord(kShellKeywords, word)) {
             ++i;
         } else if (const ShellWrapper* wrapper = findWrapper(name)) {
-            i = skipOptions(words, i + 1, wrapper->valueOptions);
+            unwrapped.argumentsFromInput = unwrapped.argumentsFromInput || name == "xargs";
+            i = skipOptions(words, i + 1, wrapper->valueOptions, wrapper->commandOptions,
+                            unwrapped);
             if (wrapper->skipsDuration && i < words.size()) {
                 ++i;
             }
         } else if (i + 1 < words.size() && isPackageRunner(name, words[i + 1])) {
-            i = skipOptions(words, i + 2, kPackageRunnerOptions);
+            i = skipOptions(words, i + 2, kPackageRunnerOptions, kPackageRunnerCommandOptions,
+                            unwrapped);
         } else {
-            return i;
+            break;
         }
     }
-    return words.size();
+    return unwrapped;
 }
 
 std::optional<ProgramRule> ruleFor(std::string_view name) {
@@ -115,7 +130,7 @@ std::string joined(ShellArguments words) {
 // Whether the words, run as a command, read further commands from their input, as a bare shell
 // does: `ssh host`, `ssh host bash -s`.
 bool runsItsInput(ShellArguments words) {
-    const std::size_t at = programIndex(words);
+    const std::size_t at = unwrap(words).program;
     if (at >= words.size()) {
         return words.empty();
     }
@@ -123,57 +138,193 @@ bool runsItsInput(ShellArguments words) {
            readShellInvocation(words.subspan(at + 1)).readsInput;
 }
 
-// A match as found, before merging. Its detail points into the command line and is shared by
-// every match of nested text, so that deep nesting never copies it.
+// printf's output, near enough to read as a command: %s and %b take the arguments in turn, and
+// the common escapes are decoded.
+std::string printfOutput(ShellArguments arguments) {
+    const std::string_view format = arguments.front();
+    std::size_t next = 1;
+    std::string out;
+    for (std::size_t i = 0; i < format.size(); ++i) {
+        const char c = format[i];
+        const char after = i + 1 < format.size() ? format[i + 1] : '\0';
+        if (c == '%' && (after == 's' || after == 'b')) {
+            out += next < arguments.size() ? std::string_view(arguments[next++]) : "";
+            ++i;
+        } else if (c == '\\' && (after == 'n' || after == 't' || after == '\\')) {
+            out += after == 'n' ? '\n' : after == 't' ? '\t' : '\\';
+            ++i;
+        } else if (c == '%' && after == '%') {
+            out += '%';
+            ++i;
+        } else {
+            out += c;
+        }
+    }
+    for (; next < arguments.size(); ++next) {
+        out += ' ';
+        out += arguments[next];
+    }
+    return out;
+}
+
+// What a command prints that a shell could be given to run: the words of echo, the output of
+// printf, the here-document of a bare cat. None for anything else.
+std::optional<std::string> printedText(const ShellSegment& segment) {
+    const ShellArguments words = segment.words;
+    const std::size_t at = unwrap(words).program;
+    if (at >= words.size()) {
+        return std::nullopt;
+    }
+    const std::string_view name = programName(words[at]);
+    ShellArguments arguments = words.subspan(at + 1);
+    if (name == "echo") {
+        const auto isOption = [](std::string_view word) {  // -n, -e, -E and clusters of them
+            return word.size() > 1 && word[0] == '-' && word.find_first_not_of("neE", 1) == npos;
+        };
+        while (!arguments.empty() && isOption(arguments.front())) {
+            arguments = arguments.subspan(1);
+        }
+        return joined(arguments);
+    }
+    if (name == "printf" && !arguments.empty() && arguments.front() != "-v") {
+        return printfOutput(arguments);
+    }
+    if (name == "cat" && arguments.empty() && !segment.inputs.empty()) {
+        std::string text;
+        for (const std::string& input : segment.inputs) {
+            text += input;
+            text += '\n';
+        }
+        return text;
+    }
+    return std::nullopt;
+}
+
+// The command run by a substitution in the program's place, with `arguments` after it:
+// `$(which git) push` runs git, `$(echo git push)` runs the echoed words.
+std::optional<std::string> substitutedCommand(std::string_view word, ShellArguments arguments) {
+    std::string_view inside;
+    if (word.size() > 3 && word.starts_with("$(") && word.ends_with(')')) {
+        inside = word.substr(2, word.size() - 3);
+    } else if (word.size() > 2 && word.starts_with('`') && word.ends_with('`')) {
+        inside = word.substr(1, word.size() - 2);
+    } else {
+        return std::nullopt;
+    }
+    const std::vector<ShellSegment> segments = splitShellSegments(inside);
+    if (segments.size() != 1) {
+        return std::nullopt;
+    }
+    const std::vector<std::string>& words = segments[0].words;
+    const bool locates = (words.size() == 2 && words[0] == "which") ||
+                         (words.size() == 3 && (words[0] == "command" || words[0] == "type") &&
+                          (words[1] == "-v" || words[1] == "-p" || words[1] == "-P"));
+    std::optional<std::string> command =
+        locates ? std::optional(words.back()) : printedText(segments[0]);
+    if (command && !arguments.empty()) {
+        *command += ' ';
+        *command += joined(arguments);
+    }
+    return command;
+}
+
+// A match as found, before merging. It keeps the text of the outermost command that holds it,
+// a view into the command line shared by every match of nested text; the detail is cut from it
+// only when merging, once per command, and only for commands that hold something.
 struct FoundAction {
     HeldAction action;
-    std::string_view detail;
+    std::string_view command;
+};
+
+// The text from the start of `first` to the end of `second`, views into the same command line.
+std::string_view spanning(std::string_view first, std::string_view second) {
+    const char* end = std::max(first.data() + first.size(), second.data() + second.size());
+    return {first.data(), static_cast<std::size_t>(end - first.data())};
+}
+
+// One simple command, unwrapped, with the command before it for what it pipes in.
+struct Command {
+    std::string_view word;
+    ShellArguments arguments;
+    bool argumentsFromInput;
+    const ShellSegment& segment;
+    const ShellSegment* previous;
 };
 
 class CommandReader {
 public:
     std::vector<FoundAction> found;
 
-    // `outerDetail` is the detail of the outermost command, for text nested in it.
-    void readText(std::string_view text, int depth, std::optional<std::string_view> outerDetail) {
-        for (const ShellSegment& segment : splitShellSegments(text)) {
-            readSegment(segment, depth, outerDetail.value_or(segmentDetail(segment.text)));
+    // `outer` is the outermost command, for text nested in it.
+    void readText(std::string_view text, int depth, std::optional<std::string_view> outer) {
+        const std::vector<ShellSegment> segments = splitShellSegments(text);
+        for (std::size_t i = 0; i < segments.size(); ++i) {
+            const ShellSegment* previous = i > 0 ? &segments[i - 1] : nullptr;
+            readSegment(segments[i], previous, depth, outer.value_or(segments[i].text));
         }
     }
 
 private:
-    void readNested(std::string_view text, int depth, std::string_view detail) {
+    void readNested(std::string_view text, int depth, std::string_view outer) {
         if (!text.empty() && depth < kDeepestNestedText) {
-            readText(text, depth + 1, detail);
+            readText(text, depth + 1, outer);
         }
     }
 
-    void readInputs(const ShellSegment& segment, int depth, std::string_view detail) {
-        for (const std::string& input : segment.inputs) {
-            readNested(input, depth, detail);
+    // What a command that runs its input is given: its here-documents, and what the command
+    // before it prints into the pipe (`echo 'git push' | sh`).
+    void readInputs(const Command& command, int depth, std::string_view outer) {
+        for (const std::string& input : command.segment.inputs) {
+            readNested(input, depth, outer);
+        }
+        if (!command.segment.pipedInput || command.previous == nullptr) {
+            return;
+        }
+        if (std::optional<std::string> printed = printedText(*command.previous)) {
+            // On the command line itself the detail spans the pipe, so that the owner sees
+            // what runs, not just "sh".
+            readNested(*printed, depth,
+                       depth == 0 ? spanning(command.previous->text, outer) : outer);
         }
     }
 
-    void hold(std::optional<HeldAction> action, std::string_view detail) {
+    void hold(std::optional<HeldAction> action, std::string_view outer) {
         if (action) {
-            found.push_back({std::move(*action), detail});
+            found.push_back({std::move(*action), outer});
         }
     }
 
-    void readSegment(const ShellSegment& segment, int depth, std::string_view detail) {
+    void readSegment(const ShellSegment& segment, const ShellSegment* previous, int depth,
+                     std::string_view outer) {
         const ShellArguments words = segment.words;
-        const std::size_t at = programIndex(words);
-        if (at < words.size()) {
-            readCommand(words[at], words.subspan(at + 1), segment, depth, detail);
+        const Unwrapped unwrapped = unwrap(words);
+        if (unwrapped.commandLine) {
+            // The words after the command line are its arguments.
+            std::string text(*unwrapped.commandLine);
+            for (std::string_view word : words.subspan(unwrapped.program)) {
+                text += ' ';
+                text += word;
+            }
+            readNested(text, depth, outer);
+        } else if (unwrapped.program < words.size()) {
+            const Command command{words[unwrapped.program], words.subspan(unwrapped.program + 1),
+                                  unwrapped.argumentsFromInput, segment, previous};
+            if (std::optional<std::string> text =
+                    substitutedCommand(command.word, command.arguments)) {
+                readNested(*text, depth, outer);
+            } else {
+                readCommand(command, depth, outer);
+            }
         }
         // The shell runs substitutions whatever the command is, even one asked for help.
         for (std::string_view substitution : segment.substitutions) {
-            readNested(substitution, depth, detail);
+            readNested(substitution, depth, outer);
         }
     }
 
-    void readCommand(std::string_view word, ShellArguments arguments, const ShellSegment& segment,
-                     int depth, std::string_view detail) {
+    void readCommand(const Command& command, int depth, std::string_view outer) {
+        const std::string_view word = command.word;
+        const ShellArguments arguments = command.arguments;
         if (std::ranges::find(arguments, "--help") != arguments.end() ||
             std::ranges::find(arguments, "-h") != arguments.end() || isDryRun(arguments)) {
             return;
@@ -186,58 +337,58 @@ private:
                 dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
             if (word.find('/') != std::string_view::npos ||
                 containsWord(kScriptExtensions, extension)) {
-                hold(scriptNameAction(word), detail);
+                hold(scriptNameAction(word), outer);
             }
             return;
         }
         switch (*rule) {
             case ProgramRule::git:
-                return hold(gitAction(arguments), detail);
+                return hold(gitAction(arguments), outer);
             case ProgramRule::github:
-                return hold(githubAction(arguments), detail);
+                return hold(githubAction(arguments), outer);
             case ProgramRule::packagePublishing:
-                return hold(packagePublishingAction(name, arguments), detail);
+                return hold(packagePublishingAction(name, arguments), outer);
             case ProgramRule::wrangler:
-                return hold(wranglerAction(arguments), detail);
+                return hold(wranglerAction(arguments), outer);
             case ProgramRule::make:
-                return hold(makeAction(arguments), detail);
+                return hold(makeAction(arguments), outer);
             case ProgramRule::shell: {
                 const ShellInvocation invocation = readShellInvocation(arguments);
                 if (invocation.commandString) {
-                    readNested(*invocation.commandString, depth, detail);
+                    readNested(*invocation.commandString, depth, outer);
                 } else if (invocation.script) {
-                    hold(scriptNameAction(*invocation.script), detail);
+                    hold(scriptNameAction(*invocation.script), outer);
                 } else {
-                    readInputs(segment, depth, detail);
+                    readInputs(command, depth, outer);
                 }
                 return;
             }
             case ProgramRule::eval:
-                return readNested(joined(arguments), depth, detail);
+                return readNested(joined(arguments), depth, outer);
             case ProgramRule::ssh: {
                 const ShellArguments remote = sshRemoteCommand(arguments);
-                readNested(joined(remote), depth, detail);
+                readNested(joined(remote), depth, outer);
                 if (runsItsInput(remote)) {
-                    readInputs(segment, depth, detail);
+                    readInputs(command, depth, outer);
                 }
                 return;
             }
             case ProgramRule::python:
                 // A module runs like the program of that name: `python3 -m twine upload`.
-                readNested(joined(pythonModuleCommand(arguments)), depth, detail);
-                return hold(pythonAction(arguments), detail);
+                readNested(joined(pythonModuleCommand(arguments)), depth, outer);
+                return hold(pythonAction(arguments), outer);
             case ProgramRule::rm:
-                return hold(rmAction(arguments), detail);
+                return hold(rmAction(arguments, command.argumentsFromInput), outer);
             case ProgramRule::find:
-                return hold(findAction(arguments), detail);
+                return hold(findAction(arguments), outer);
             case ProgramRule::quarn:
-                return hold(quarnAction(arguments), detail);
+                return hold(quarnAction(arguments), outer);
             case ProgramRule::tmux:
-                return hold(tmuxAction(arguments), detail);
+                return hold(tmuxAction(arguments), outer);
             case ProgramRule::osascript:
-                return hold(osascriptAction(arguments), detail);
+                return hold(osascriptAction(arguments), outer);
             case ProgramRule::webRequest:
-                return hold(webRequestAction(name, arguments), detail);
+                return hold(webRequestAction(name, arguments), outer);
         }
     }
 };
@@ -269,15 +420,16 @@ std::vector<ActionHoldMatch> mergeByCategory(const std::vector<FoundAction>& fou
         std::unordered_set<std::string_view> seen;
         std::string_view previous;
         for (const FoundAction* match : group) {
-            // Matches of one command sit together and share its detail by identity; comparing
-            // identity first hashes each command's detail once, however many matches it holds.
-            const bool sameAsPrevious = match->detail.data() == previous.data() &&
-                                        match->detail.size() == previous.size() &&
+            // Matches of one command sit together and share its text by identity, so each
+            // command's detail is cut and compared once, however many matches it holds.
+            const bool sameAsPrevious = match->command.data() == previous.data() &&
+                                        match->command.size() == previous.size() &&
                                         match != group.front();
-            previous = match->detail;
-            if (!sameAsPrevious && seen.insert(match->detail).second) {
+            previous = match->command;
+            const std::string_view detail = sameAsPrevious ? "" : segmentDetail(match->command);
+            if (!sameAsPrevious && seen.insert(detail).second) {
                 result.detail += seen.size() > 1 ? kDetailSeparator : "";
-                result.detail += match->detail;
+                result.detail += detail;
             }
         }
         merged.push_back(std::move(result));

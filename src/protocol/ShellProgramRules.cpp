@@ -2,11 +2,11 @@
 #include "protocol/ShellProgramRules.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <vector>
 
 #include "protocol/ActionHoldWordTables.h"
+#include "protocol/Graphemes.h"
 
 namespace orvo {
 namespace {
@@ -68,15 +68,21 @@ std::size_t nextPositional(ShellArguments arguments, std::size_t from, SortedWor
 
 // ----- Release, deployment and publication by name (make targets, scripts, package scripts)
 
+// Only the start is lowered: names can be long, and only their first word counts.
+std::string lowercasedStart(std::string_view name) {
+    return lowercased(name.substr(0, 7));
+}
+
 bool isPublishingName(std::string_view name) {
-    const std::string lower = lowercased(name);
+    const std::string lower = lowercasedStart(name);
     return lower.starts_with("release") || lower.starts_with("deploy") ||
            lower.starts_with("publish");
 }
 
 // What follows a verb-like name such as "deploy-staging" ("staging"), or "the project" when
-// nothing separate follows it.
+// nothing separate follows it. Kept short: it is read in a sentence.
 std::string nameObject(std::string_view rest) {
+    constexpr std::size_t kMaxCharacters = 40;
     constexpr std::string_view kSeparators = "-_:./ ";
     if (rest.empty() || kSeparators.find(rest.front()) == npos) {
         return "the project";
@@ -93,11 +99,11 @@ std::string nameObject(std::string_view rest) {
     while (!object.empty() && object.back() == ' ') {
         object.pop_back();
     }
-    return object.empty() ? "the project" : object;
+    return object.empty() ? "the project" : std::string(prefixGraphemes(object, kMaxCharacters));
 }
 
 std::optional<HeldAction> publishingByName(std::string_view name) {
-    const std::string lower = lowercased(name);
+    const std::string lower = lowercasedStart(name);
     if (lower.starts_with("release")) {
         return held(kRunRelease, publishing);
     }
@@ -562,7 +568,7 @@ ShellArguments pythonModuleCommand(ShellArguments arguments) {
     return {};
 }
 
-std::optional<HeldAction> rmAction(ShellArguments arguments) {
+std::optional<HeldAction> rmAction(ShellArguments arguments, bool moreTargetsFromInput) {
     bool recursive = false;
     bool optionsEnded = false;
     std::vector<std::string_view> targets;
@@ -594,7 +600,7 @@ std::optional<HeldAction> rmAction(ShellArguments arguments) {
         }
         return false;
     };
-    if (recursive && !std::ranges::all_of(targets, safe)) {
+    if (recursive && (moreTargetsFromInput || !std::ranges::all_of(targets, safe))) {
         return held(kDeleteFiles, deleting);
     }
     return std::nullopt;

@@ -42,7 +42,8 @@ std::optional<HeldAction> scriptNameAction(std::string_view scriptPath);
 std::optional<HeldAction> pythonAction(ShellArguments arguments);
 // The module and its arguments when python runs a module (`python3 -m twine upload`), else empty.
 ShellArguments pythonModuleCommand(ShellArguments arguments);
-std::optional<HeldAction> rmAction(ShellArguments arguments);
+// `moreTargetsFromInput`: xargs adds targets that cannot be seen here.
+std::optional<HeldAction> rmAction(ShellArguments arguments, bool moreTargetsFromInput);
 std::optional<HeldAction> findAction(ShellArguments arguments);
 std::optional<HeldAction> quarnAction(ShellArguments arguments);
 std::optional<HeldAction> tmuxAction(ShellArguments arguments);

@@ -159,9 +159,11 @@ private:
                 readHereDocuments();
                 return;
             case ';':
-            case '|':
             case ')':
                 separate();
+                return;
+            case '|':
+                pipe();
                 return;
             case '(':
                 if (inWord_ && !wordQuoted_ && word_.ends_with('=')) {
@@ -408,6 +410,17 @@ private:
         }
         target_ = Target::none;
         resetWord();
+    }
+
+    // "|" and "|&" feed the next command; "||" does not.
+    void pipe() {
+        const char next = peek(1);
+        separate();
+        if (next == '|' || next == '&') {
+            ++pos_;
+            segmentStart_ = pos_;
+        }
+        current_.pipedInput = next != '|';
     }
 
     // Ends the current segment at the separator under `pos_` and steps over it.

@@ -19,6 +19,8 @@ struct ShellSegment {
     // Command text that the shell runs before the command itself: the inside of $( ),
     // backquotes and <( ) >( ), and of $( ) in an unquoted here-document.
     std::vector<std::string_view> substitutions;
+    // Whether its input is the output of the segment before it, through a pipe.
+    bool pipedInput = false;
 };
 
 // The simple commands of `text` in order. Newlines, ";", "&", "|", "(" and ")" separate them

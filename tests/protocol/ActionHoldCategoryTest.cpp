@@ -1,7 +1,6 @@
 #include "protocol/ActionHoldCategory.h"
 
 #include <algorithm>
-#include <unordered_set>
 
 #include <gtest/gtest.h>
 
@@ -31,16 +30,6 @@ TEST(ActionHoldCategoryTest, DefaultEnabledIsEveryCaseButAgentPromptsInOrder) {
                                                    kAllActionHoldCategories.end() - 1);
     EXPECT_EQ(enabled, expected);
     EXPECT_EQ(std::ranges::count(enabled, ActionHoldCategory::agent_prompts), 0);
-}
-
-TEST(ActionHoldCategoryTest, HashesAsItsRawValue) {
-    for (ActionHoldCategory category : kAllActionHoldCategories) {
-        EXPECT_EQ(std::hash<ActionHoldCategory>{}(category),
-                  std::hash<std::string_view>{}(rawValue(category)));
-    }
-    const std::unordered_set<ActionHoldCategory> all(kAllActionHoldCategories.begin(),
-                                                     kAllActionHoldCategories.end());
-    EXPECT_EQ(all.size(), kAllActionHoldCategories.size());
 }
 
 }  // namespace

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "protocol/ActionHoldWire.h"
-
 namespace orvo {
 namespace {
 
@@ -77,13 +75,6 @@ TEST(ActionHoldMatchTest, EncodedFormNestsThePhrase) {
         R"("phrase":{"base":"Force-push the branch","progressive":"Force-pushing the branch"}})");
     // The flat wire form is not the encoded form.
     EXPECT_EQ(ActionHoldMatch::decode(kForcePush.wireValue()), std::nullopt);
-}
-
-TEST(ActionHoldMatchTest, WireConstants) {
-    EXPECT_EQ(ActionHoldWire::kMethod, "action_hold");
-    EXPECT_EQ(ActionHoldWire::kHookFlag, "--action-hold-hook");
-    EXPECT_EQ(ActionHoldWire::kTokenEnvKey, "ORVO_ACTION_HOLD_TOKEN");
-    EXPECT_EQ(ActionHoldWire::kReplyTimeoutSeconds, 110);
 }
 
 }  // namespace

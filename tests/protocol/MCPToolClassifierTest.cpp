@@ -155,12 +155,12 @@ TEST(MCPToolClassifierTest, DetailIsTheToolAndItsFirstTextArgument) {
         json input;
         std::string detail;
     } cases[] = {
-        {json::object(), "createIssue"},
+        {json::object(), "create_issue"},
         {{{"query", "q"}, {"title", " Fix it \n"}, {"text", "  "}, {"message", 5}},
-         "createIssue: Fix it"},
-        {{{"name", "n"}, {"summary", "s"}}, "createIssue: s"},
-        {{{"text", std::string(130, 'x')}}, "createIssue: " + std::string(120, 'x')},
-        {json::array({"text"}), "createIssue"},
+         "create_issue: Fix it"},
+        {{{"name", "n"}, {"summary", "s"}}, "create_issue: s"},
+        {{{"text", std::string(130, 'x')}}, "create_issue: " + std::string(120, 'x')},
+        {json::array({"text"}), "create_issue"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.input.dump());

@@ -54,7 +54,7 @@ TEST(ShellCommandClassifierTest, WrappersAssignmentsAndKeywordsAreSkipped) {
         {"pnpm dlx wrangler deploy", "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
         {"pnpm exec --filter web -- wrangler deploy",
          "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
-        {"npm exec -c x -- wrangler@3 deploy",
+        {"npm exec --package x -- wrangler@3 deploy",
          "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
         {"/usr/bin/sudo /usr/bin/env A=1 /opt/homebrew/bin/git push", kPush},
         {"sudo nice -n 5 env A=1 timeout 9 git push", kPush},
@@ -63,6 +63,11 @@ TEST(ShellCommandClassifierTest, WrappersAssignmentsAndKeywordsAreSkipped) {
         {"until git push; do sleep 1; done", kPush},
         {"! git push", kPush},
         {"{ git push; }", kPush},
+        {"env -S 'git push --force' origin main", kForcePush},
+        {"npx -c 'wrangler deploy'", "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
+        {"pnpm exec --call 'wrangler deploy'",
+         "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
+        {"env -S 'ls -la'", ""},
         {"sudo ls", ""},
         {"env", ""},
         {"timeout 30", ""},
@@ -106,6 +111,20 @@ TEST(ShellCommandClassifierTest, HowTheCommandIsWrittenDoesNotHideIt) {
          "deleting|Discarding local changes|Discard local changes"},
         {"ssh prod <<EOF\ngit push\nEOF", kPush},
         {"ssh prod bash -s <<'EOF'\nrm -rf /srv/app\nEOF", kDeleteFiles},
+        {"\"$(command -v git)\" push", kPush},
+        {"`which git` push --force", kForcePush},
+        {"sh -c \"$(printf 'git push')\"", kPush},
+        {"eval \"$(echo git push)\"", kPush},
+        {"echo 'git push --force' | bash", kForcePush},
+        {"printf '%s\\n' 'rm -rf src' | sh", kDeleteFiles},
+        {"cat <<'EOF' | ssh prod\ngit reset --hard\nEOF",
+         "deleting|Discarding local changes|Discard local changes"},
+        {"find . -print0 | xargs -0 rm -rf", kDeleteFiles},
+        {"ls | xargs rm -f", ""},
+        {"echo 'git push' || bash", ""},
+        {"echo 'git push' | cat", ""},
+        {"echo hi | bash script.sh", ""},
+        {"$(echo ls) -la", ""},
         {"bash -c 'echo hi'", ""},
         {"eval echo hi", ""},
         {"ssh prod uptime", ""},
@@ -149,10 +168,20 @@ TEST(ShellCommandClassifierTest, NestedTextIsReadThreeLevelsDeep) {
 }
 
 TEST(ShellCommandClassifierTest, NestedMatchesCarryTheOuterDetail) {
-    const std::vector<ActionHoldMatch> matches =
-        classifyCommand("  ssh prod \"bash -c 'git push'\"  \n&& ls");
-    ASSERT_EQ(matches.size(), 1u);
-    EXPECT_EQ(matches[0].detail, "ssh prod \"bash -c 'git push'\"");
+    const struct {
+        std::string_view command;
+        std::string_view detail;
+    } cases[] = {
+        {"  ssh prod \"bash -c 'git push'\"  \n&& ls", "ssh prod \"bash -c 'git push'\""},
+        {"ls && echo 'git push' | sh && echo done", "echo 'git push' | sh"},
+        {"bash -c \"echo 'git push' | sh\"", "bash -c \"echo 'git push' | sh\""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.command);
+        const std::vector<ActionHoldMatch> matches = classifyCommand(c.command);
+        ASSERT_EQ(matches.size(), 1u);
+        EXPECT_EQ(matches[0].detail, c.detail);
+    }
 }
 
 TEST(ShellCommandClassifierTest, MergesByCategoryInOrderOfFirstAppearance) {

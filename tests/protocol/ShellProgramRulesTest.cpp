@@ -215,6 +215,9 @@ TEST(ShellProgramRulesTest, ReleaseTargetsAndScriptsByName) {
         {"make publish_docs", "publishing|Publishing docs|Publish docs"},
         {"make Deploy:web.prod", "publishing|Deploying web prod|Deploy web prod"},
         {"make deployment", kDeployProject},
+        {"make deploy-a-very-long-target-name-that-goes-on-and-on-and-on",
+         "publishing|Deploying a very long target name that goes on and|Deploy a very long target "
+         "name that goes on and"},
         {"make -f deploy.mk -C release build", ""},
         {"make --directory=deploy test", ""},
         {"make build RELEASE=1", ""},

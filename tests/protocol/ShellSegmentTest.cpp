@@ -41,6 +41,14 @@ TEST(ShellSegmentTest, SeparatorsCutOnlyOutsideQuotesAndSubstitutions) {
     }
 }
 
+TEST(ShellSegmentTest, PipesMarkTheCommandTheyFeed) {
+    std::vector<bool> piped;
+    for (const ShellSegment& segment : splitShellSegments("a | b || c |& d; e")) {
+        piped.push_back(segment.pipedInput);
+    }
+    EXPECT_EQ(piped, (std::vector<bool>{false, true, false, true, false}));
+}
+
 TEST(ShellSegmentTest, WordsLoseTheirQuotesAndJoinTheirPieces) {
     const struct {
         std::string_view text;
