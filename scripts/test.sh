@@ -17,6 +17,26 @@ for preset in asan tsan; do
     ctest --preset "$preset" -j "$jobs"
 done
 
+# Fuzzing: each target runs for 30 seconds with AddressSanitizer, leak checks and UBSan; then
+# the optimised build replays every input found and fails if any takes over 10 ms.
+cmake --preset fuzz >/dev/null
+cmake --build --preset fuzz -j "$jobs"
+for target in $(ls build/fuzz/bin | sed -n 's/_fuzz$//p'); do
+    corpus="build/fuzz/corpus/$target"
+    mkdir -p "$corpus"
+    options=(-max_total_time=30 -timeout=5 -print_final_stats=1)
+    dictionary=$(ls fuzz/*.dict 2>/dev/null | grep -i "$(echo "$target" | tr -d _)" || true)
+    [ -n "$dictionary" ] && options+=("-dict=$dictionary")
+    if ! "build/fuzz/bin/${target}_fuzz" "${options[@]}" "$corpus" >"build/fuzz/$target.log" 2>&1; then
+        tail -n 40 "build/fuzz/$target.log"
+        echo "fuzz target $target failed" >&2
+        exit 1
+    fi
+    grep -E "stat::number_of_executed_units|Done" "build/fuzz/$target.log" | tr '\n' ' '
+    echo
+    "build/ci/bin/${target}_replay" 10 "$corpus"
+done
+
 # The benchmarks run briefly so that they keep working; their figures come from a full run.
 build/ci/bin/orvo_bench --benchmark_min_time=0.05 >/dev/null
 echo "benchmarks ran"

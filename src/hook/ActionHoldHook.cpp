@@ -136,22 +136,19 @@ HoldOutcome askOwner(const AppClient& app, const json& args, const HoldWait& wai
     return readOwnerReply(socket->get(), wait);
 }
 
-HookResult runHook(std::string_view input, const AppClient& app,
-                   const std::optional<std::string>& token, const HoldWait& wait) {
-    HookResult result;
+HookCall readHookCall(std::string_view input, const std::optional<std::string>& token) {
     const BoundedParse parsed = parseJsonBounded(input, kMaxHookInputDepth);
     const json& call = parsed.value;
     const json* toolName = member(call, "tool_name");
     const json* toolInput = member(call, "tool_input");
     if (toolName == nullptr || !toolName->is_string() || toolInput == nullptr ||
         !toolInput->is_object()) {
-        result.logLines.emplace_back("unreadable hook input; allowing");
-        return result;
+        return {};
     }
     const std::vector<ActionHoldMatch> matches =
         ActionHoldClassifier::classify(toolName->get_ref<const std::string&>(), *toolInput);
     if (matches.empty()) {
-        return result;
+        return {true, std::nullopt};
     }
     json wireMatches = json::array();
     for (const ActionHoldMatch& match : matches) {
@@ -161,7 +158,21 @@ HookResult runHook(std::string_view input, const AppClient& app,
     if (token && !token->empty()) {
         args["token"] = *token;
     }
-    const HoldOutcome outcome = askOwner(app, args, wait);
+    return {true, std::move(args)};
+}
+
+HookResult runHook(std::string_view input, const AppClient& app,
+                   const std::optional<std::string>& token, const HoldWait& wait) {
+    HookResult result;
+    const HookCall call = readHookCall(input, token);
+    if (!call.readable) {
+        result.logLines.emplace_back("unreadable hook input; allowing");
+        return result;
+    }
+    if (!call.holdArgs) {
+        return result;
+    }
+    const HoldOutcome outcome = askOwner(app, *call.holdArgs, wait);
     switch (outcome.kind) {
         case HoldOutcomeKind::allowed:
         case HoldOutcomeKind::agentGone:

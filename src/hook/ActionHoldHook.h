@@ -35,6 +35,15 @@ struct HoldWait {
 // Sends the "action_hold" request and waits for the owner's answer.
 HoldOutcome askOwner(const AppClient& app, const json& args, const HoldWait& wait);
 
+// What the agent's hook input asks for: nothing (unreadable, or nothing held), or the arguments of
+// the "action_hold" request.
+struct HookCall {
+    bool readable = false;
+    std::optional<json> holdArgs;  // set when something is held
+};
+
+HookCall readHookCall(std::string_view input, const std::optional<std::string>& token);
+
 struct HookResult {
     std::string output;                 // for standard output: empty, or one deny line
     std::vector<std::string> logLines;  // for standard error, without the prefix
