@@ -4,6 +4,19 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-deps.sh
+# The SDK client test drives the binary with the official MCP client from the npm registry. Without
+# Node.js or the registry that one test skips and says why, so neither failure stops the run.
+node_packages=()
+command -v node >/dev/null || node_packages+=(nodejs)
+command -v npm >/dev/null || node_packages+=(npm)
+if [ ${#node_packages[@]} -gt 0 ]; then
+    scripts/install-deps.sh "${node_packages[@]}" || echo "could not install ${node_packages[*]}" >&2
+fi
+if ! timeout 300 npm ci --prefix tests/interop --no-audit --no-fund --loglevel=error >/dev/null; then
+    # A half-installed SDK would fail the test instead of skipping it.
+    rm -rf tests/interop/node_modules
+    echo "could not install the MCP SDK from the npm registry; its client test will skip" >&2
+fi
 jobs=$(nproc)
 
 cmake --preset ci >/dev/null

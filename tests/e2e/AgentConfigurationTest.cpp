@@ -1,0 +1,213 @@
+// The configuration in docs/agents.md, run as written: the agents' commands against the real
+// binary, and the hook fed the input Claude Code sends, its decision read as Claude Code reads it.
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "protocol/ActionHoldWire.h"
+#include "protocol/AppEnvelope.h"
+#include "protocol/MCPSocketPath.h"
+#include "support/FakeApp.h"
+#include "support/ServerProcess.h"
+#include "support/ThrowawayUser.h"
+
+namespace orvo::test {
+namespace {
+
+const std::string kPlaceholder = "/path/to/orvo-agent-mcp";
+
+std::string readPage() {
+    std::ifstream file(std::filesystem::path(ORVO_SOURCE_DIR) / "docs/agents.md");
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+// The page's fenced blocks in `language`, in order.
+std::vector<std::string> codeBlocks(const std::string& page, const std::string& language) {
+    std::vector<std::string> blocks;
+    const std::string opening = "\n```" + language + "\n";
+    for (std::size_t at = page.find(opening); at != std::string::npos;
+         at = page.find(opening, at)) {
+        at += opening.size();
+        const std::size_t end = page.find("\n```", at);
+        blocks.push_back(page.substr(at, end == std::string::npos ? end : end + 1 - at));
+    }
+    return blocks;
+}
+
+std::vector<std::string> words(const std::string& line) {
+    std::istringstream stream(line);
+    std::vector<std::string> result;
+    for (std::string word; stream >> word;) {
+        result.push_back(word);
+    }
+    return result;
+}
+
+// The `key = value` lines of a TOML block whose values are all JSON as well (strings, numbers,
+// arrays of strings), as one object.
+json tomlTable(const std::string& block) {
+    json table = json::object();
+    std::istringstream lines(block);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t equals = line.find(" = ");
+        if (equals != std::string::npos) {
+            table[line.substr(0, equals)] = json::parse(line.substr(equals + 3), nullptr, false);
+        }
+    }
+    return table;
+}
+
+class AgentConfigurationTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string whyNot;
+        user_ = ThrowawayUser::get(whyNot);
+        if (user_ == nullptr) {
+            GTEST_SKIP() << whyNot;
+        }
+        user_->resetHome();
+        const auto socket = MCPSocketPath::resolve(user_->home);
+        user_->makeHomeDirectories(std::filesystem::relative(socket.parent_path(), user_->home));
+        app_ = std::make_unique<FakeApp>(socket, std::pair{user_->uid, user_->gid});
+        page_ = readPage();
+    }
+    ProcessOptions asUser() const {
+        ProcessOptions options;
+        options.uid = user_->uid;
+        options.gid = user_->gid;
+        return options;
+    }
+    // The `_agent` that reaches the app from a server started with `arguments`.
+    json agentSeenByTheApp(std::vector<std::string> arguments) {
+        ProcessOptions options = asUser();
+        options.arguments = std::move(arguments);
+        ServerProcess server(options);
+        const std::size_t before = app_->received().size();
+        server.request({{"jsonrpc", "2.0"},
+                        {"id", 1},
+                        {"method", "tools/call"},
+                        {"params", {{"name", "list_meetings"}}}});
+        if (app_->received().size() != before + 1) {
+            return "no request reached the app";
+        }
+        return app_->received().back().request["args"].value("_agent", json());
+    }
+
+    const ThrowawayUser* user_ = nullptr;
+    std::unique_ptr<FakeApp> app_;
+    std::string page_;
+};
+
+TEST_F(AgentConfigurationTest, TheDocumentedServersTellTheAppWhichAgentCalls) {
+    std::vector<std::string> claude;
+    for (const std::string& block : codeBlocks(page_, "sh")) {
+        if (block.starts_with("claude mcp add ")) {
+            claude = words(block);
+        }
+    }
+    const auto dashes = std::ranges::find(claude, "--");
+    ASSERT_LT(std::distance(claude.begin(), dashes) + 1, std::ssize(claude))
+        << "no `claude mcp add … -- command` block";
+    EXPECT_EQ(*std::next(dashes), kPlaceholder);
+    EXPECT_EQ(agentSeenByTheApp({std::next(dashes, 2), claude.end()}), "claude");
+
+    const std::vector<std::string> toml = codeBlocks(page_, "toml");
+    ASSERT_EQ(toml.size(), 1u);
+    ASSERT_TRUE(toml[0].starts_with("[mcp_servers.orvo]\n"));
+    json codex = tomlTable(toml[0]);
+    EXPECT_EQ(codex["command"], kPlaceholder);
+    ASSERT_TRUE(codex["args"].is_array()) << codex;
+    EXPECT_EQ(agentSeenByTheApp(codex["args"].get<std::vector<std::string>>()), "codex");
+    // Codex abandons a tool call at this limit; the app may take the longest for computer use.
+    EXPECT_GE(codex.value("tool_timeout_sec", 0), MCPReplyTimeout::seconds("computer_inspect"));
+}
+
+TEST_F(AgentConfigurationTest, TheDocumentedHookGivesClaudeCodeTheOwnersDecision) {
+    const std::vector<std::string> blocks = codeBlocks(page_, "json");
+    ASSERT_EQ(blocks.size(), 1u);
+    json settings = json::parse(blocks[0], nullptr, false);
+    ASSERT_TRUE(settings.is_object()) << blocks[0];
+    json hook = settings["hooks"]["PreToolUse"][0]["hooks"][0];
+    ASSERT_EQ(hook["type"], "command") << settings;
+    std::string command = hook["command"];
+    ASSERT_TRUE(command.starts_with(kPlaceholder + " ")) << command;
+    command.replace(0, kPlaceholder.size(), ORVO_BINARY_PATH);
+    // Claude Code stops a hook at its timeout: it must outlast the wait for the owner.
+    EXPECT_GT(hook.value("timeout", 0), ActionHoldWire::kReplyTimeoutSeconds);
+
+    const std::string reason = "Not on main, please: open a pull request.";
+    app_->on("action_hold", successReply({{"decision", "deny"}, {"reason", reason}}));
+    const struct {
+        std::string name;
+        json toolCall;  // tool_name and tool_input
+        std::string decision;
+        std::string reason;
+        std::size_t requests;  // to the app
+    } cases[] = {
+        {"force push",
+         {{"tool_name", "Bash"},
+          {"tool_input",
+           {{"command", "git push --force origin main"}, {"description", "Push the fix"}}}},
+         "deny",
+         reason,
+         1},
+        {"read",
+         {{"tool_name", "Read"}, {"tool_input", {{"file_path", "/repo/README.md"}}}},
+         "allow",
+         "",
+         0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        json input = {{"session_id", "8f1c2a4e-5b6d-4c3e-9a7b-1d2e3f4a5b6c"},
+                      {"transcript_path", "/Users/you/.claude/projects/-repo/8f1c2a4e.jsonl"},
+                      {"cwd", "/repo"},
+                      {"permission_mode", "default"},
+                      {"hook_event_name", "PreToolUse"},
+                      {"tool_use_id", "toolu_01ABC123"}};
+        input.update(c.toolCall);
+        const std::size_t before = app_->received().size();
+        // Claude Code runs the command through the shell and writes the input to it.
+        ProcessOptions options = asUser();
+        options.program = "/bin/sh";
+        options.arguments = {"-c", command};
+        ServerProcess agentHook(options);
+        agentHook.send(dumpCompact(input));
+        agentHook.closeInput();
+        std::string output;
+        while (std::optional<std::string> line = agentHook.readLine()) {
+            output += *line + "\n";
+        }
+        ASSERT_EQ(agentHook.waitForExit(), 0);
+        // Exit status 0: standard output, when there is any, is the decision.
+        std::string decision = "allow";
+        std::string shownReason;
+        if (!output.empty()) {
+            const json result = json::parse(output, nullptr, false);
+            ASSERT_TRUE(result.is_object()) << output;
+            const json specific = result.value("hookSpecificOutput", json::object());
+            EXPECT_EQ(specific.value("hookEventName", ""), "PreToolUse") << output;
+            decision = specific.value("permissionDecision", "");
+            shownReason = specific.value("permissionDecisionReason", "");
+        }
+        EXPECT_EQ(decision, c.decision);
+        EXPECT_EQ(shownReason, c.reason);
+        ASSERT_EQ(app_->received().size(), before + c.requests);
+        if (c.requests > 0) {
+            EXPECT_EQ(app_->received().back().request["args"].value("_agent", ""), "claude");
+        }
+    }
+}
+
+}  // namespace
+}  // namespace orvo::test
