@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 class AppClientTest : public ::testing::Test {
 protected:
     AppClient client(std::optional<std::string> agent = std::nullopt, bool origin = false,
-                     std::chrono::milliseconds timeout = 5s) const {
+                     std::chrono::milliseconds timeout = 30s) const {
         return AppClient(AppClientOptions{home_.path(), std::move(agent), origin,
                                           [timeout](std::string_view) { return timeout; }});
     }
