@@ -158,10 +158,14 @@ TEST(ServerSessionTest, SelectsToolsFromFlagsAndEnvironment) {
         std::string origin;
         std::vector<std::string> names;
     } cases[] = {
-        {{}, "", {"current_settings", "orvo_version"}},
-        {{"--toolsets", " state , nope"}, "1", {"current_settings", "orvo_version"}},
+        {{}, "", {"current_settings", "orvo_version", "read_preferences", "remember_preference"}},
+        {{"--toolsets", " state , nope"},
+         "1",
+         {"current_settings", "orvo_version", "read_preferences"}},
         {{"--toolsets", "voice"}, "", {}},
-        {{"--read-only", "--toolsets"}, "true", {"current_settings", "orvo_version"}},
+        {{"--read-only", "--toolsets"},
+         "true",
+         {"current_settings", "orvo_version", "read_preferences"}},
     };
     for (const auto& c : cases) {
         ProcessOptions options;

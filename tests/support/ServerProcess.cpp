@@ -173,6 +173,15 @@ void ServerProcess::closeInput() {
     closeFd(input_);
 }
 
+void ServerProcess::kill() {
+    if (!exitStatus_ && pid_ > 0) {
+        ::kill(pid_, SIGKILL);
+        int status = 0;
+        ::waitpid(pid_, &status, 0);
+        exitStatus_ = 128 + SIGKILL;
+    }
+}
+
 std::optional<int> ServerProcess::waitForExit(std::chrono::milliseconds timeout) {
     const auto deadline = std::chrono::steady_clock::now() + timeout;
     while (!exitStatus_) {

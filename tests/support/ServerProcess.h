@@ -40,6 +40,8 @@ public:
     // Sends one request line and returns the parsed response line (null when none came).
     json request(const json& message);
     void closeInput();
+    // Ends the process at once with SIGKILL, as a crash or a force quit would.
+    void kill();
     // The exit status, or absent if the process is still running after `timeout`.
     std::optional<int> waitForExit(std::chrono::milliseconds timeout = 10s);
     // Everything written to standard error so far (complete once the process has exited).
