@@ -1,8 +1,12 @@
-// Tools answered from local files, without the app: settings, preference notes, version.
+// Tools answered from local files, without the app: settings, dictionary, preference notes,
+// version.
+#include <cmath>
+
 #include "tools/ToolCatalog.h"
 #include "tools/ToolRegistry.h"
 #include "userfiles/ContextAuditLog.h"
 #include "userfiles/PreferenceNotes.h"
+#include "userfiles/ReplacementsFile.h"
 #include "userfiles/SettingsSnapshot.h"
 #include "userfiles/VersionLookup.h"
 
@@ -10,12 +14,13 @@ namespace orvo {
 namespace {
 
 // For a tool that read the user's context: the cue first, then one audit record of its result.
-void recordContextRead(const ToolContext& context, std::string_view tool, const json& result) {
+void recordContextRead(const ToolContext& context, std::string_view tool, const json& result,
+                       std::vector<std::pair<std::string, json>> extras = {}) {
     if (context.auditLog == nullptr) {
         return;
     }
     context.auditLog->activityCue();
-    AuditRecord record{std::string(tool), "ok", {}, {}, {}, {}};
+    AuditRecord record{std::string(tool), "ok", {}, {}, {}, std::move(extras)};
     if (std::optional<std::string_view> error = stringMember(result, "error")) {
         record.result = "error: " + std::string(*error);
     }
@@ -43,6 +48,90 @@ public:
         const auto file = settingsFilePath(context.home);
         return ToolOutput(
             buildSettingsSnapshot(loadPersistedSettings(file), readHotkeyLabel(file)));
+    }
+};
+
+// An optional whole-number argument from `minimum` to `maximum`, left in `value` when absent; the
+// error result when the argument is something else.
+std::optional<json> integerArgument(const json& arguments, std::string_view key,
+                                    std::int64_t minimum, std::int64_t maximum,
+                                    std::int64_t& value) {
+    const json* given = member(arguments, key);
+    if (given == nullptr || given->is_null()) {
+        return std::nullopt;
+    }
+    // 10.0 is a whole number as JSON writes it; 10.5 and "10" are not.
+    const bool whole =
+        given->is_number_integer() ||
+        (given->is_number_float() && std::trunc(given->get<double>()) == given->get<double>());
+    const double number = given->is_number() ? given->get<double>() : 0;
+    if (!whole || number < static_cast<double>(minimum) || number > static_cast<double>(maximum)) {
+        return json{{"error", std::string(key) + " must be a whole number from " +
+                                  std::to_string(minimum) + " to " + std::to_string(maximum)}};
+    }
+    value = static_cast<std::int64_t>(number);
+    return std::nullopt;
+}
+
+class ListReplacementsTool final : public MCPTool {
+public:
+    static constexpr std::int64_t kMaxLimit = 500;
+    static constexpr std::int64_t kMaxOffset = 1000000;
+
+    std::string_view name() const override { return "list_dictionary"; }
+    std::string_view description() const override {
+        return "List the user's dictation replacements (~/.config/orvo-agent/replacements.txt): "
+               "each spoken phrase with the text Orvo writes in its place, and the line numbers "
+               "and reasons of lines it cannot use. query filters, limit and offset page. "
+               "Read-only: the user changes entries in the Dashboard. Docs: dictionary.md";
+    }
+    const json& inputSchema() const override {
+        static const json kSchema = {
+            {"type", "object"},
+            {"properties",
+             {{"query",
+               {{"type", "string"},
+                {"description",
+                 "Text to find in the spoken phrase or the replacement, ignoring case."}}},
+              {"limit",
+               {{"type", "integer"},
+                {"minimum", 1},
+                {"maximum", kMaxLimit},
+                {"description", "Default 100."}}},
+              {"offset",
+               {{"type", "integer"},
+                {"minimum", 0},
+                {"maximum", kMaxOffset},
+                {"description", "Pagination offset, from nextOffset. Default 0."}}}}},
+            {"additionalProperties", false}};
+        return kSchema;
+    }
+    Result<ToolOutput> call(const json& arguments, const ToolContext& context) const override {
+        json result = list(arguments, context);
+        const json* entries = member(result, "entries");
+        recordContextRead(context, name(), result,
+                          {{"entries", entries != nullptr ? entries->size() : 0}});
+        return ToolOutput(std::move(result));
+    }
+
+private:
+    static json list(const json& arguments, const ToolContext& context) {
+        ReplacementsQuery query;
+        if (const json* text = member(arguments, "query"); text != nullptr && !text->is_null()) {
+            if (!text->is_string()) {
+                return json{{"error", "query must be a string"}};
+            }
+            query.text = text->get<std::string>();
+        }
+        if (std::optional<json> error =
+                integerArgument(arguments, "limit", 1, kMaxLimit, query.limit)) {
+            return *error;
+        }
+        if (std::optional<json> error =
+                integerArgument(arguments, "offset", 0, kMaxOffset, query.offset)) {
+            return *error;
+        }
+        return listReplacements(replacementsFilePath(context.home), query);
     }
 };
 
@@ -100,12 +189,13 @@ public:
 };
 
 const CurrentSettingsTool kCurrentSettings;
+const ListReplacementsTool kListReplacements;
 const OrvoVersionTool kOrvoVersion;
 const ReadPreferencesTool kReadPreferences;
 const RememberPreferenceTool kRememberPreference;
 
-const MCPTool* const kLocalFileTools[] = {&kCurrentSettings, &kOrvoVersion, &kReadPreferences,
-                                          &kRememberPreference};
+const MCPTool* const kLocalFileTools[] = {&kCurrentSettings, &kListReplacements, &kOrvoVersion,
+                                          &kReadPreferences, &kRememberPreference};
 
 }  // namespace
 

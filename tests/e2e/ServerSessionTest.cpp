@@ -158,14 +158,17 @@ TEST(ServerSessionTest, SelectsToolsFromFlagsAndEnvironment) {
         std::string origin;
         std::vector<std::string> names;
     } cases[] = {
-        {{}, "", {"current_settings", "orvo_version", "read_preferences", "remember_preference"}},
+        {{},
+         "",
+         {"current_settings", "list_dictionary", "orvo_version", "read_preferences",
+          "remember_preference"}},
         {{"--toolsets", " state , nope"},
          "1",
-         {"current_settings", "orvo_version", "read_preferences"}},
+         {"current_settings", "list_dictionary", "orvo_version", "read_preferences"}},
         {{"--toolsets", "voice"}, "", {}},
         {{"--read-only", "--toolsets"},
          "true",
-         {"current_settings", "orvo_version", "read_preferences"}},
+         {"current_settings", "list_dictionary", "orvo_version", "read_preferences"}},
     };
     for (const auto& c : cases) {
         ProcessOptions options;
