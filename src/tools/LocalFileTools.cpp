@@ -1,9 +1,10 @@
-// Tools answered from local files, without the app: settings, dictionary, preference notes,
-// version.
+// Tools answered from local files, without the app: settings, dictionary, augments, preference
+// notes, version.
 #include <cmath>
 
 #include "tools/ToolCatalog.h"
 #include "tools/ToolRegistry.h"
+#include "userfiles/AugmentCatalog.h"
 #include "userfiles/ContextAuditLog.h"
 #include "userfiles/PreferenceNotes.h"
 #include "userfiles/ReplacementsFile.h"
@@ -135,6 +136,56 @@ private:
     }
 };
 
+class ListAugmentsTool final : public MCPTool {
+public:
+    std::string_view name() const override { return "list_augments"; }
+    std::string_view description() const override {
+        return "List the augment catalog: built-in augments and the user's own "
+               "(~/.config/orvo-agent/augments/<id>.md), each with id, name, source, and kind and "
+               "description when set, plus invalid files and their reasons. Directives are "
+               "omitted by default; includeDirectives adds them. Pass an id or name to "
+               "activate_augment; augments of one kind conflict. Docs: augments.md";
+    }
+    const json& inputSchema() const override {
+        static const json kSchema = {
+            {"type", "object"},
+            {"properties",
+             {{"includeDirectives",
+               {{"type", "boolean"},
+                {"description",
+                 "Include each augment's directive text, at most 2000 UTF-8 bytes. Default "
+                 "false."}}},
+              {"kind", {{"type", "string"}, {"description", "Only augments of this kind."}}}}},
+            {"additionalProperties", false}};
+        return kSchema;
+    }
+    Result<ToolOutput> call(const json& arguments, const ToolContext& context) const override {
+        bool includeDirectives = false;
+        if (const json* given = member(arguments, "includeDirectives");
+            given != nullptr && !given->is_null()) {
+            if (!given->is_boolean()) {
+                return ToolOutput(json{{"error", "includeDirectives must be true or false"}});
+            }
+            includeDirectives = given->get<bool>();
+        }
+        std::optional<std::string> kind;
+        if (const json* given = member(arguments, "kind"); given != nullptr && !given->is_null()) {
+            if (!given->is_string()) {
+                return ToolOutput(json{{"error", "kind must be a string"}});
+            }
+            kind = given->get<std::string>();
+        }
+        std::optional<std::filesystem::path> resources =
+            installedResourcesDirectory(context.programPath);
+        if (resources) {
+            *resources /= "augments";
+        }
+        const AugmentCatalog catalog =
+            loadAugmentCatalog(resources, userAugmentsDirectory(context.home));
+        return ToolOutput(listAugments(catalog, kind, includeDirectives));
+    }
+};
+
 class OrvoVersionTool final : public MCPTool {
 public:
     std::string_view name() const override { return "orvo_version"; }
@@ -190,11 +241,13 @@ public:
 
 const CurrentSettingsTool kCurrentSettings;
 const ListReplacementsTool kListReplacements;
+const ListAugmentsTool kListAugments;
 const OrvoVersionTool kOrvoVersion;
 const ReadPreferencesTool kReadPreferences;
 const RememberPreferenceTool kRememberPreference;
 
-const MCPTool* const kLocalFileTools[] = {&kCurrentSettings, &kListReplacements, &kOrvoVersion,
+const MCPTool* const kLocalFileTools[] = {&kCurrentSettings, &kListReplacements,
+                                          &kListAugments,    &kOrvoVersion,
                                           &kReadPreferences, &kRememberPreference};
 
 }  // namespace

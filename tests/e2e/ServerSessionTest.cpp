@@ -160,15 +160,17 @@ TEST(ServerSessionTest, SelectsToolsFromFlagsAndEnvironment) {
     } cases[] = {
         {{},
          "",
-         {"current_settings", "list_dictionary", "orvo_version", "read_preferences",
-          "remember_preference"}},
+         {"current_settings", "list_augments", "list_dictionary", "orvo_version",
+          "read_preferences", "remember_preference"}},
         {{"--toolsets", " state , nope"},
          "1",
-         {"current_settings", "list_dictionary", "orvo_version", "read_preferences"}},
+         {"current_settings", "list_augments", "list_dictionary", "orvo_version",
+          "read_preferences"}},
         {{"--toolsets", "voice"}, "", {}},
         {{"--read-only", "--toolsets"},
          "true",
-         {"current_settings", "list_dictionary", "orvo_version", "read_preferences"}},
+         {"current_settings", "list_augments", "list_dictionary", "orvo_version",
+          "read_preferences"}},
     };
     for (const auto& c : cases) {
         ProcessOptions options;

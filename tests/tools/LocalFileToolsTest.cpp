@@ -91,5 +91,35 @@ TEST_F(LocalFileToolsTest, ListingArgumentsAreCheckedBeforeAnythingIsRead) {
     }
 }
 
+TEST_F(LocalFileToolsTest, AugmentsComeFromBesideTheExecutableAndFromTheHome) {
+    test::TempDir install;
+    test::writeFile(install.path() / "bin/orvo-agent-mcp", "");
+    test::writeFile(install.path() / "Resources/augments/brief.md",
+                    "---\nname: Brief\n---\nBe brief.");
+    test::writeFile(home_.path() / ".config/orvo-agent/augments/mine.md",
+                    "---\nname: Mine\n---\nx");
+    ToolContext context{home_.path(), (install.path() / "bin/orvo-agent-mcp").string(), nullptr,
+                        &log_};
+    const auto names = [&](const json& arguments) {
+        Result<ToolOutput> output = tool("list_augments").call(arguments, context);
+        const json result = std::get<json>(*output);
+        std::vector<std::string> found;
+        for (const json& augment : result.value("augments", json::array())) {
+            found.push_back(augment["source"].get<std::string>() + ":" +
+                            augment["id"].get<std::string>() +
+                            (augment.contains("directive") ? "+" : ""));
+        }
+        return result.contains("error") ? std::vector<std::string>{result["error"]} : found;
+    };
+    EXPECT_EQ(names(json::object()), (std::vector<std::string>{"builtin:brief", "user:mine"}));
+    EXPECT_EQ(names({{"includeDirectives", true}, {"kind", nullptr}}),
+              (std::vector<std::string>{"builtin:brief+", "user:mine+"}));
+    EXPECT_EQ(names({{"kind", "tone"}}), std::vector<std::string>{});
+    EXPECT_EQ(names({{"includeDirectives", "yes"}}),
+              std::vector<std::string>{"includeDirectives must be true or false"});
+    EXPECT_EQ(names({{"kind", 1}}), std::vector<std::string>{"kind must be a string"});
+    EXPECT_TRUE(records().empty()) << "the catalog is not the user's context";
+}
+
 }  // namespace
 }  // namespace orvo
