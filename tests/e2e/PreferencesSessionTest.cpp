@@ -1,10 +1,8 @@
 // The preference tools through the real binary, run as a throwaway user: what the audit log
 // records, what the cue does, and that no crash or race ever leaves a torn file.
-#include <fstream>
 #include <random>
 #include <regex>
 #include <set>
-#include <sstream>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -21,19 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 
 std::string readAll(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << file.rdbuf();
-    return bytes.str();
-}
-
-std::vector<std::string> lines(const std::string& text) {
-    std::vector<std::string> result;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) {
-        result.push_back(line);
-    }
-    return result;
+    return readFile(path).value_or("");
 }
 
 std::string callLine(int id, std::string_view tool, const json& arguments = json::object()) {
@@ -114,7 +100,8 @@ TEST_F(PreferencesSessionTest, EveryCallAnsweredBeforeEndOfInputIsInTheAuditLog)
     ASSERT_EQ(server.waitForExit(), 0);
     EXPECT_EQ(server.standardError(), "");
 
-    const std::vector<std::string> records = lines(readAll(directory_ / "mcp-context-reads.jsonl"));
+    const std::vector<std::string> records =
+        splitLines(readAll(directory_ / "mcp-context-reads.jsonl"));
     ASSERT_EQ(records.size(), 399u);
     const std::regex shape(
         R"(\{"ts":"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z","tool":"[a-z_]+","result":.*\})");
@@ -161,7 +148,7 @@ TEST_F(PreferencesSessionTest, ABurstOfReadsCuesTheAppOnceUnlessSilenced) {
         }
         server.closeInput();
         EXPECT_EQ(server.waitForExit(), 0);
-        EXPECT_EQ(lines(readAll(directory_ / "mcp-context-reads.jsonl")).size(),
+        EXPECT_EQ(splitLines(readAll(directory_ / "mcp-context-reads.jsonl")).size(),
                   silenced ? 3u : 6u);
     }
 }
@@ -210,13 +197,13 @@ TEST_F(PreferencesSessionTest, UnreadableOrUnwritablePlacesLeaveTheFileAsItWas) 
         SCOPED_TRACE(c.name);
         user_->resetHome();
         c.plant();
-        const std::string before = fs::exists(notes_) ? readAll(notes_) : "";
+        const std::string before = readAll(notes_);
         ServerProcess server(asUser());
         server.sendLine(callLine(1, "read_preferences"));
         EXPECT_EQ(resultOf(server.readLine()), c.read);
         server.sendLine(callLine(2, "remember_preference", {{"note", "new"}}));
         EXPECT_EQ(resultOf(server.readLine()), c.remember);
-        EXPECT_EQ(fs::exists(notes_) ? readAll(notes_) : "", before);
+        EXPECT_EQ(readAll(notes_), before);
         if (fs::exists(directory_)) {
             EXPECT_TRUE(temporaries(directory_).empty());
         }
@@ -229,7 +216,7 @@ std::vector<std::pair<int, int>> parseNotes(const std::string& text) {
     EXPECT_TRUE(text.empty() || text.back() == '\n') << "the file ends inside a line";
     const std::regex note(R"(- p(\d+)-n(\d+) x{100})");
     std::set<std::pair<int, int>> seen;
-    for (const std::string& line : lines(text)) {
+    for (const std::string& line : splitLines(text)) {
         std::smatch match;
         if (!std::regex_match(line, match, note)) {
             ADD_FAILURE() << "torn or foreign line: " << line.substr(0, 120);
@@ -279,7 +266,8 @@ TEST_F(PreferencesSessionTest, ConcurrentServersLoseAtMostWholeNotesNeverTheFile
     }
     RecordProperty("notesKept", static_cast<int>(notes.size()));
     EXPECT_TRUE(temporaries(directory_).empty());
-    const std::vector<std::string> records = lines(readAll(directory_ / "mcp-context-reads.jsonl"));
+    const std::vector<std::string> records =
+        splitLines(readAll(directory_ / "mcp-context-reads.jsonl"));
     EXPECT_EQ(records.size(), static_cast<std::size_t>(kServers * kNotesEach));
     for (const std::string& record : records) {
         EXPECT_FALSE(json::parse(record, nullptr, false).is_discarded()) << record;
@@ -306,7 +294,7 @@ TEST_F(PreferencesSessionTest, KilledServersLeaveOneWholeVersionAndNoLastingLitt
         }
         // The file is the one before this round plus this round's first k notes, in order, with
         // at least every acknowledged one: a version that one of its appends produced.
-        const std::string text = fs::exists(notes_) ? readAll(notes_) : "";
+        const std::string text = readAll(notes_);
         ASSERT_TRUE(text.starts_with(expected)) << "an earlier version was lost or torn";
         const std::vector<std::pair<int, int>> added = parseNotes(text.substr(expected.size()));
         ASSERT_GE(added.size(), static_cast<std::size_t>(acknowledged));

@@ -73,5 +73,9 @@ private:
 };
 
 void writeFile(const std::filesystem::path& path, std::string_view contents);
+// The whole file, or absent when there is none.
+std::optional<std::string> readFile(const std::filesystem::path& path);
+// The lines of `text`, without their line feeds.
+std::vector<std::string> splitLines(std::string_view text);
 
 }  // namespace orvo::test

@@ -1,5 +1,3 @@
-#include <fstream>
-
 #include <gtest/gtest.h>
 
 #include "support/ServerProcess.h"
@@ -35,8 +33,8 @@ protected:
     std::vector<json> records() {
         EXPECT_TRUE(log_.drain(10s));
         std::vector<json> lines;
-        std::ifstream file(home_.path() / "reads.jsonl");
-        for (std::string line; std::getline(file, line);) {
+        for (const std::string& line :
+             test::splitLines(test::readFile(home_.path() / "reads.jsonl").value_or(""))) {
             json record = json::parse(line);
             record.erase("ts");
             lines.push_back(std::move(record));

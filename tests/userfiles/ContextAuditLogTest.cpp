@@ -1,7 +1,6 @@
 #include "userfiles/ContextAuditLog.h"
 
 #include <atomic>
-#include <fstream>
 
 #include <gtest/gtest.h>
 
@@ -16,12 +15,7 @@ using namespace std::chrono_literals;
 using std::chrono::system_clock;
 
 std::vector<std::string> fileLines(const std::filesystem::path& path) {
-    std::ifstream file(path);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(file, line);) {
-        lines.push_back(line);
-    }
-    return lines;
+    return test::splitLines(test::readFile(path).value_or(""));
 }
 
 TEST(ContextAuditLogTest, TimestampsAreUTCWithMilliseconds) {

@@ -1,8 +1,5 @@
 #include "userfiles/PreferenceNotes.h"
 
-#include <fstream>
-#include <sstream>
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -12,16 +9,6 @@ namespace orvo {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::optional<std::string> contentsOf(const fs::path& path) {
-    if (!fs::exists(path)) {
-        return std::nullopt;
-    }
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << file.rdbuf();
-    return bytes.str();
-}
 
 TEST(PreferenceNotesTest, NormalisesLineBreaksAndTrimsUnicodeWhitespace) {
     const struct {
@@ -127,7 +114,7 @@ TEST(PreferenceNotesTest, AppendsOneLineOrRefusesAndLeavesTheFileAsItWas) {
         }
         EXPECT_EQ(rememberPreference(file, c.note), c.result);
         const std::optional<std::string> expected = c.after ? c.after : c.existing;
-        const std::optional<std::string> actual = contentsOf(file);
+        const std::optional<std::string> actual = test::readFile(file);
         if (actual && expected && actual->size() > 200) {
             EXPECT_TRUE(actual == expected) << "a long file differs from the expected one";
         } else {
@@ -223,7 +210,7 @@ TEST(PreferenceNotesTest, RewriteKeepsLinksAndPermissionsAndClearsStaleTemporari
 
     EXPECT_EQ(rememberPreference(file, "b"), json({{"ok", true}, {"char_count", 6}}));
     EXPECT_TRUE(fs::is_symlink(file));
-    EXPECT_EQ(contentsOf(real), "a\n- b\n");
+    EXPECT_EQ(test::readFile(real), "a\n- b\n");
     EXPECT_EQ(fs::status(real).permissions() & fs::perms::all,
               fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_FALSE(fs::exists(stale));
