@@ -34,20 +34,21 @@ done
 # the optimised build replays every input found and fails if any takes over 10 ms.
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz -j "$jobs"
-for target in $(ls build/fuzz/bin | sed -n 's/_fuzz$//p'); do
+for target in $(sed -n 's/^set(ORVO_FUZZ_TARGETS \(.*\))$/\1/p' CMakeLists.txt); do
     corpus="build/fuzz/corpus/$target"
     mkdir -p "$corpus"
     options=(-max_total_time=30 -timeout=5 -print_final_stats=1)
-    dictionary=$(ls fuzz/*.dict 2>/dev/null | grep -i "$(echo "$target" | tr -d _)" || true)
-    [ -n "$dictionary" ] && options+=("-dict=$dictionary")
-    if ! "build/fuzz/bin/${target}_fuzz" "${options[@]}" "$corpus" >"build/fuzz/$target.log" 2>&1; then
+    [ -f "fuzz/$target.dict" ] && options+=("-dict=fuzz/$target.dict")
+    seeds=()
+    [ -d "fuzz/corpus/$target" ] && seeds+=("fuzz/corpus/$target")
+    if ! "build/fuzz/bin/$target" "${options[@]}" "$corpus" "${seeds[@]}" \
+        >"build/fuzz/$target.log" 2>&1; then
         tail -n 40 "build/fuzz/$target.log"
         echo "fuzz target $target failed" >&2
         exit 1
     fi
-    grep -E "stat::number_of_executed_units|Done" "build/fuzz/$target.log" | tr '\n' ' '
-    echo
-    "build/ci/bin/${target}_replay" 10 "$corpus"
+    echo "$target: $(grep -o 'stat::number_of_executed_units: [0-9]*' "build/fuzz/$target.log")"
+    "build/ci/bin/${target}_replay" 10 "$corpus" "${seeds[@]}"
 done
 
 # The benchmarks run briefly so that they keep working; their figures come from a full run.

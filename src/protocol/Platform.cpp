@@ -33,22 +33,27 @@ std::filesystem::path userHomeDirectory() {
 }
 
 std::filesystem::path applicationSupportDirectory(const std::filesystem::path& home) {
+    return reportedApplicationSupportDirectory(home).value_or(home / "Library/Application Support");
+}
+
+std::optional<std::filesystem::path> reportedApplicationSupportDirectory(
+    const std::filesystem::path& home) {
 #if defined(__APPLE__)
     // The user domain answers with a path that starts with "~", the user's home.
     char path[PATH_MAX];
     sysdir_search_path_enumeration_state state = sysdir_start_search_path_enumeration(
         SYSDIR_DIRECTORY_APPLICATION_SUPPORT, SYSDIR_DOMAIN_MASK_USER);
-    if (sysdir_get_next_search_path_enumeration(state, path) != 0) {
-        std::string found(path);
-        if (found.starts_with("~/")) {
-            return home / found.substr(2);
-        }
-        if (found == "~") {
-            return home;
-        }
-        return found;
+    if (sysdir_get_next_search_path_enumeration(state, path) == 0) {
+        return std::nullopt;
     }
-    return home / "Library/Application Support";
+    std::string found(path);
+    if (found.starts_with("~/")) {
+        return home / found.substr(2);
+    }
+    if (found == "~") {
+        return home;
+    }
+    return std::filesystem::path(found);
 #elif defined(__linux__)
     return home / "Library/Application Support";
 #endif

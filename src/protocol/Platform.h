@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 
 namespace orvo {
 
@@ -11,5 +12,11 @@ std::filesystem::path userHomeDirectory();
 // The user's Application Support directory: the system's user-domain lookup where it has one,
 // else `home` followed by "Library/Application Support".
 std::filesystem::path applicationSupportDirectory(const std::filesystem::path& home);
+
+// The user-domain Application Support directory as the system reports it, absent when it reports
+// none. Linux has no such lookup and always answers `home` followed by
+// "Library/Application Support".
+std::optional<std::filesystem::path> reportedApplicationSupportDirectory(
+    const std::filesystem::path& home);
 
 }  // namespace orvo

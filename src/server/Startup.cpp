@@ -7,14 +7,21 @@
 #include <unistd.h>
 
 #include "applink/AppClient.h"
+#include "protocol/ActivityLogFiles.h"
+#include "protocol/Diagnostics.h"
 #include "protocol/Platform.h"
 #include "server/Instructions.h"
 #include "server/LineReader.h"
 #include "server/Server.h"
 #include "tools/ToolCatalog.h"
+#include "userfiles/ContextAuditLog.h"
 
 namespace orvo {
 namespace {
+
+// How long the end of input waits for audit records still queued: long enough for any working
+// disk, short enough that a stuck one cannot keep the agent's session from ending.
+constexpr std::chrono::seconds kAuditDrainLimit{3};
 
 // The argument after the first occurrence of `flag`, if there is one.
 std::optional<std::string> valueAfter(std::span<const std::string> arguments,
@@ -33,12 +40,13 @@ bool hasFlag(std::span<const std::string> arguments, std::string_view flag) {
 }  // namespace
 
 StartupSettings readStartupSettings(std::span<const std::string> arguments,
-                                    const char* assistantOriginValue) {
+                                    const char* assistantOriginValue, const char* audibleValue) {
     StartupSettings settings;
     settings.arguments.assign(arguments.begin(), arguments.end());
     settings.agentName = valueAfter(arguments, "--agent");
     settings.assistantOrigin =
         assistantOriginValue != nullptr && std::string_view(assistantOriginValue) == "1";
+    settings.audibleCue = audibleValue == nullptr || std::string_view(audibleValue) != "0";
     settings.hookMode = hasFlag(arguments, kActionHoldHookFlag);
     if (std::optional<std::string> toolsets = valueAfter(arguments, "--toolsets")) {
         settings.selection.enabled = parseToolsets(*toolsets);
@@ -55,9 +63,12 @@ int runServer(const StartupSettings& settings, std::span<const PrecomputedListin
     const ToolRegistry registry = ToolRegistry::assemble(registeredTools(), settings.selection);
     const std::filesystem::path home = userHomeDirectory();
     const AppClient app(AppClientOptions{home, settings.agentName, settings.assistantOrigin, {}});
+    ContextAuditLog auditLog(ContextAuditLogOptions{
+        ActivityLogFiles::contextReads(home), &app, settings.audibleCue, {}});
     ServerOptions options;
     options.toolContext.home = home;
     options.toolContext.app = &app;
+    options.toolContext.auditLog = &auditLog;
     options.toolContext.programPath = settings.arguments.empty() ? "" : settings.arguments.front();
     options.documentationDirectory =
         documentationDirectory(applicationSupportDirectory(options.toolContext.home));
@@ -72,6 +83,10 @@ int runServer(const StartupSettings& settings, std::span<const PrecomputedListin
         }
     }
     server.finishInput();
+    // Records of reads already answered must reach the file before the process goes.
+    if (!auditLog.drain(kAuditDrainLimit)) {
+        logDiagnostic("audit log records still unwritten at exit were dropped");
+    }
     return 0;
 }
 

@@ -19,14 +19,15 @@ struct StartupSettings {
     std::vector<std::string> arguments;  // the program path included
     std::optional<std::string> agentName;
     bool assistantOrigin = false;
+    bool audibleCue = true;  // ORVO_MCP_AUDIBLE is anything but "0"
     bool hookMode = false;
     ToolSelection selection;
 };
 
-// Unknown arguments and missing values are ignored without a message. `assistantOriginValue` is
-// the value of ORVO_ASSISTANT_ORIGIN, null when unset.
+// Unknown arguments and missing values are ignored without a message. `assistantOriginValue` and
+// `audibleValue` are the values of ORVO_ASSISTANT_ORIGIN and ORVO_MCP_AUDIBLE, null when unset.
 StartupSettings readStartupSettings(std::span<const std::string> arguments,
-                                    const char* assistantOriginValue);
+                                    const char* assistantOriginValue, const char* audibleValue);
 
 // Serves standard input and output until input ends; returns the exit status. `listing` holds the
 // tools' listing entries serialised when the program was built.

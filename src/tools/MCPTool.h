@@ -12,12 +12,14 @@
 namespace orvo {
 
 class AppClient;
+class ContextAuditLog;
 
 // What a tool may reach outside itself. Paths come from start-up so that tests can redirect them.
 struct ToolContext {
     std::filesystem::path home;      // the current user's home directory, from the user database
     std::string programPath;         // the first command-line argument, for finding installed files
     const AppClient* app = nullptr;  // the running app, for tools that forward to it
+    ContextAuditLog* auditLog = nullptr;  // where reads of the user's context are recorded
 };
 
 // A text handed to the agent as it is, not serialised as JSON.

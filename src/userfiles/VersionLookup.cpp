@@ -28,20 +28,38 @@ std::optional<std::string> readVersionFile(const std::filesystem::path& path) {
     return std::string(version);
 }
 
-}  // namespace
-
-std::string lookupVersion(std::string_view programPath) {
+// The executable's own directory, links resolved.
+std::optional<std::filesystem::path> programDirectory(std::string_view programPath) {
     namespace fs = std::filesystem;
     std::error_code error;
     fs::path program = fs::absolute(fs::path(programPath), error);
     if (error) {
-        return std::string(kFallbackVersion);
+        return std::nullopt;
     }
     fs::path resolved = fs::weakly_canonical(program, error);
     if (!error) {
         program = resolved;
     }
-    fs::path directory = program.parent_path();
+    return program.parent_path();
+}
+
+}  // namespace
+
+std::optional<std::filesystem::path> installedResourcesDirectory(std::string_view programPath) {
+    std::optional<std::filesystem::path> directory = programDirectory(programPath);
+    if (!directory) {
+        return std::nullopt;
+    }
+    return directory->parent_path() / "Resources";
+}
+
+std::string lookupVersion(std::string_view programPath) {
+    namespace fs = std::filesystem;
+    std::optional<fs::path> programDir = programDirectory(programPath);
+    if (!programDir) {
+        return std::string(kFallbackVersion);
+    }
+    fs::path directory = *programDir;
     if (auto version = readVersionFile(directory.parent_path() / "Resources" / "VERSION")) {
         return *version;
     }

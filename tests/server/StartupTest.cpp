@@ -55,7 +55,7 @@ TEST(StartupTest, ReadsFlagsTheWayAgentsPassThem) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(::testing::PrintToString(c.arguments));
-        const StartupSettings settings = readStartupSettings(c.arguments, c.origin);
+        const StartupSettings settings = readStartupSettings(c.arguments, c.origin, nullptr);
         EXPECT_EQ(settings.agentName, c.agent);
         EXPECT_EQ(settings.assistantOrigin, c.assistantOrigin);
         EXPECT_EQ(settings.selection.assistantOrigin, c.assistantOrigin);
@@ -63,6 +63,19 @@ TEST(StartupTest, ReadsFlagsTheWayAgentsPassThem) {
         EXPECT_EQ(settings.hookMode, c.hook);
         EXPECT_EQ(settings.selection.enabled, c.toolsets);
         EXPECT_EQ(settings.arguments, c.arguments);
+    }
+}
+
+TEST(StartupTest, OnlyZeroSilencesTheActivityCue) {
+    const std::vector<std::string> arguments = {"orvo"};
+    const struct {
+        const char* value;
+        bool audible;
+    } cases[] = {{nullptr, true}, {"0", false}, {"", true},   {"1", true},
+                 {"00", true},    {" 0", true}, {"0 ", true}, {"false", true}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.value ? c.value : "(unset)");
+        EXPECT_EQ(readStartupSettings(arguments, nullptr, c.value).audibleCue, c.audible);
     }
 }
 

@@ -40,6 +40,8 @@ public:
     // Sends one request line and returns the parsed response line (null when none came).
     json request(const json& message);
     void closeInput();
+    // Ends the process at once with SIGKILL, as a crash or a force quit would.
+    void kill();
     // The exit status, or absent if the process is still running after `timeout`.
     std::optional<int> waitForExit(std::chrono::milliseconds timeout = 10s);
     // Everything written to standard error so far (complete once the process has exited).
@@ -71,5 +73,9 @@ private:
 };
 
 void writeFile(const std::filesystem::path& path, std::string_view contents);
+// The whole file, or absent when there is none.
+std::optional<std::string> readFile(const std::filesystem::path& path);
+// The lines of `text`, without their line feeds.
+std::vector<std::string> splitLines(std::string_view text);
 
 }  // namespace orvo::test

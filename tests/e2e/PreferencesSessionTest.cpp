@@ -1,0 +1,322 @@
+// The preference tools through the real binary, run as a throwaway user: what the audit log
+// records, what the cue does, and that no crash or race ever leaves a torn file.
+#include <random>
+#include <regex>
+#include <set>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "protocol/MCPSocketPath.h"
+#include "support/FakeApp.h"
+#include "support/ServerProcess.h"
+#include "support/ThrowawayUser.h"
+
+namespace orvo::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string readAll(const fs::path& path) {
+    return readFile(path).value_or("");
+}
+
+std::string callLine(int id, std::string_view tool, const json& arguments = json::object()) {
+    return dumpCompact({{"jsonrpc", "2.0"},
+                        {"id", id},
+                        {"method", "tools/call"},
+                        {"params", {{"name", tool}, {"arguments", arguments}}}});
+}
+
+bool isOk(const json& result) {
+    return result.is_object() && result.value("ok", false);
+}
+
+// The tool's result object from a response line, or null.
+json resultOf(const std::optional<std::string>& line) {
+    if (!line) {
+        return nullptr;
+    }
+    const json response = json::parse(*line, nullptr, false);
+    const json* text = response.is_object() ? member(response, "result") : nullptr;
+    if (text == nullptr) {
+        return nullptr;
+    }
+    return json::parse((*text)["content"][0]["text"].get<std::string>(), nullptr, false);
+}
+
+std::vector<fs::path> temporaries(const fs::path& directory) {
+    std::vector<fs::path> found;
+    for (const auto& entry : fs::directory_iterator(directory)) {
+        if (entry.path().filename().string().starts_with(".preferences.md.tmp-")) {
+            found.push_back(entry.path());
+        }
+    }
+    return found;
+}
+
+class PreferencesSessionTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string whyNot;
+        user_ = ThrowawayUser::get(whyNot);
+        if (user_ == nullptr) {
+            GTEST_SKIP() << whyNot;
+        }
+        user_->resetHome();
+        directory_ = user_->home / ".config" / "orvo-agent";
+        notes_ = directory_ / "preferences.md";
+    }
+    ProcessOptions asUser() const {
+        ProcessOptions options;
+        options.uid = user_->uid;
+        options.gid = user_->gid;
+        return options;
+    }
+
+    const ThrowawayUser* user_ = nullptr;
+    fs::path directory_;
+    fs::path notes_;
+};
+
+TEST_F(PreferencesSessionTest, EveryCallAnsweredBeforeEndOfInputIsInTheAuditLog) {
+    ServerProcess server(asUser());
+    server.sendLine(callLine(1, "remember_preference", {{"note", "signs emails \"J\"\r\n"}}));
+    server.sendLine(callLine(2, "remember_preference", {{"note", " "}}));
+    for (int id = 3; id < 400; ++id) {
+        server.sendLine(callLine(id, "read_preferences"));
+    }
+    server.closeInput();
+    EXPECT_EQ(resultOf(server.readLine()), json({{"ok", true}, {"char_count", 19}}));
+    EXPECT_EQ(resultOf(server.readLine()),
+              json({{"error", "note must be non-empty after trimming"}}));
+    // Every answer is read, so that a full pipe cannot hold the server; records may still be
+    // queued when the last one is written.
+    for (int id = 3; id < 400; ++id) {
+        EXPECT_EQ(resultOf(server.readLine()),
+                  json({{"content", "- signs emails \"J\"\n"}, {"char_count", 19}}));
+    }
+    ASSERT_EQ(server.waitForExit(), 0);
+    EXPECT_EQ(server.standardError(), "");
+
+    const std::vector<std::string> records =
+        splitLines(readAll(directory_ / "mcp-context-reads.jsonl"));
+    ASSERT_EQ(records.size(), 399u);
+    const std::regex shape(
+        R"(\{"ts":"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z","tool":"[a-z_]+","result":.*\})");
+    for (const std::string& record : records) {
+        EXPECT_TRUE(std::regex_match(record, shape)) << record;
+    }
+    const auto withoutTime = [](const std::string& record) {
+        json parsed = json::parse(record);
+        parsed.erase("ts");
+        return parsed;
+    };
+    EXPECT_EQ(withoutTime(records[0]),
+              json({{"tool", "remember_preference"}, {"result", "ok"}, {"output_bytes", 19}}));
+    EXPECT_EQ(withoutTime(records[1]),
+              json({{"tool", "remember_preference"},
+                    {"result", "error: note must be non-empty after trimming"}}));
+    EXPECT_EQ(withoutTime(records[398]),
+              json({{"tool", "read_preferences"}, {"result", "ok"}, {"output_bytes", 19}}));
+}
+
+TEST_F(PreferencesSessionTest, ABurstOfReadsCuesTheAppOnceUnlessSilenced) {
+    for (const bool silenced : {true, false}) {
+        SCOPED_TRACE(silenced ? "ORVO_MCP_AUDIBLE=0" : "ORVO_MCP_AUDIBLE unset");
+        // The app listens in a directory of the user's own, as the real one does.
+        user_->writeHomeFile("Library/Application Support/orvo-agent/.keep", "");
+        FakeApp app(MCPSocketPath::resolve(user_->home), std::pair{user_->uid, user_->gid});
+        ProcessOptions options = asUser();
+        options.arguments = {"--agent", "claude"};
+        if (silenced) {
+            options.environment = {{"ORVO_MCP_AUDIBLE", "0"}};
+        }
+        ServerProcess server(options);
+        for (int id = 1; id <= 3; ++id) {
+            server.sendLine(callLine(id, "read_preferences"));
+            EXPECT_EQ(resultOf(server.readLine()), json({{"content", ""}, {"char_count", 0}}));
+        }
+        app.waitForRequests(1, std::chrono::seconds(silenced ? 1 : 10));
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        const std::vector<ReceivedRequest> received = app.received();
+        ASSERT_EQ(received.size(), silenced ? 0u : 1u);
+        if (!silenced) {
+            EXPECT_EQ(received[0].line,
+                      R"({"args":{"_agent":"claude"},"method":"connected_app_activity_cue"})");
+        }
+        server.closeInput();
+        EXPECT_EQ(server.waitForExit(), 0);
+        EXPECT_EQ(splitLines(readAll(directory_ / "mcp-context-reads.jsonl")).size(),
+                  silenced ? 3u : 6u);
+    }
+}
+
+TEST_F(PreferencesSessionTest, UnreadableOrUnwritablePlacesLeaveTheFileAsItWas) {
+    const std::string readFix =
+        "Open ~/.config/orvo-agent/preferences.md, fix permissions or contents, then retry.";
+    const auto rootOwned = [](const fs::path& path, fs::perms mode) {
+        ASSERT_EQ(::chown(path.c_str(), 0, 0), 0);
+        fs::permissions(path, mode);
+    };
+    const struct {
+        std::string name;
+        std::function<void()> plant;
+        json read;
+        json remember;
+    } cases[] = {
+        {"notes only root may read",
+         [&] {
+             user_->writeHomeFile(".config/orvo-agent/preferences.md", "- secret\n");
+             rootOwned(notes_, fs::perms::owner_read | fs::perms::owner_write);
+         },
+         {{"error", "could not read preferences"}, {"details", "Permission denied (errno 13)"}},
+         {{"error", "could not read existing preferences"},
+          {"details", "Permission denied (errno 13)"},
+          {"fix", readFix}}},
+        {"a directory only root may write",
+         [&] {
+             user_->writeHomeFile(".config/orvo-agent/preferences.md", "- kept\n");
+             rootOwned(directory_, fs::perms(0755));
+         },
+         {{"content", "- kept\n"}, {"char_count", 7}},
+         {{"error", "could not write preferences"},
+          {"details",
+           "creating a temporary file beside preferences.md: Permission denied (errno 13)"}}},
+        {"no directory, and no right to make one",
+         [&] {
+             fs::create_directories(user_->home / ".config");
+             rootOwned(user_->home / ".config", fs::perms(0755));
+         },
+         {{"content", ""}, {"char_count", 0}},
+         {{"error", "could not write preferences"},
+          {"details", "creating " + directory_.string() + ": Permission denied (errno 13)"}}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        user_->resetHome();
+        c.plant();
+        const std::string before = readAll(notes_);
+        ServerProcess server(asUser());
+        server.sendLine(callLine(1, "read_preferences"));
+        EXPECT_EQ(resultOf(server.readLine()), c.read);
+        server.sendLine(callLine(2, "remember_preference", {{"note", "new"}}));
+        EXPECT_EQ(resultOf(server.readLine()), c.remember);
+        EXPECT_EQ(readAll(notes_), before);
+        if (fs::exists(directory_)) {
+            EXPECT_TRUE(temporaries(directory_).empty());
+        }
+    }
+}
+
+// Every line a whole note of the form "- p<process>-n<number> ..." and none twice.
+std::vector<std::pair<int, int>> parseNotes(const std::string& text) {
+    std::vector<std::pair<int, int>> notes;
+    EXPECT_TRUE(text.empty() || text.back() == '\n') << "the file ends inside a line";
+    const std::regex note(R"(- p(\d+)-n(\d+) x{100})");
+    std::set<std::pair<int, int>> seen;
+    for (const std::string& line : splitLines(text)) {
+        std::smatch match;
+        if (!std::regex_match(line, match, note)) {
+            ADD_FAILURE() << "torn or foreign line: " << line.substr(0, 120);
+            continue;
+        }
+        const std::pair<int, int> id{std::stoi(match[1]), std::stoi(match[2])};
+        EXPECT_TRUE(seen.insert(id).second) << "note appears twice";
+        notes.push_back(id);
+    }
+    return notes;
+}
+
+std::string noteText(int process, int number) {
+    std::string text = "p";
+    text.append(std::to_string(process)).append("-n").append(std::to_string(number));
+    return text.append(" ").append(100, 'x');
+}
+
+TEST_F(PreferencesSessionTest, ConcurrentServersLoseAtMostWholeNotesNeverTheFile) {
+    constexpr int kServers = 4;
+    constexpr int kNotesEach = 20;
+    std::vector<std::unique_ptr<ServerProcess>> servers;
+    for (int p = 0; p < kServers; ++p) {
+        servers.push_back(std::make_unique<ServerProcess>(asUser()));
+    }
+    // Every request is in the pipes before any answer is read, so the servers race for real.
+    for (int n = 0; n < kNotesEach; ++n) {
+        for (int p = 0; p < kServers; ++p) {
+            servers[static_cast<std::size_t>(p)]->sendLine(
+                callLine(n, "remember_preference", {{"note", noteText(p, n)}}));
+        }
+    }
+    for (auto& server : servers) {
+        for (int n = 0; n < kNotesEach; ++n) {
+            EXPECT_EQ(isOk(resultOf(server->readLine())), true);
+        }
+        server->closeInput();
+        EXPECT_EQ(server->waitForExit(), 0);
+    }
+    const std::vector<std::pair<int, int>> notes = parseNotes(readAll(notes_));
+    ASSERT_FALSE(notes.empty());
+    std::vector<int> lastOf(kServers, -1);
+    for (const auto& [process, number] : notes) {
+        EXPECT_GT(number, lastOf[static_cast<std::size_t>(process)])
+            << "a process's notes reordered";
+        lastOf[static_cast<std::size_t>(process)] = number;
+    }
+    RecordProperty("notesKept", static_cast<int>(notes.size()));
+    EXPECT_TRUE(temporaries(directory_).empty());
+    const std::vector<std::string> records =
+        splitLines(readAll(directory_ / "mcp-context-reads.jsonl"));
+    EXPECT_EQ(records.size(), static_cast<std::size_t>(kServers * kNotesEach));
+    for (const std::string& record : records) {
+        EXPECT_FALSE(json::parse(record, nullptr, false).is_discarded()) << record;
+    }
+}
+
+TEST_F(PreferencesSessionTest, KilledServersLeaveOneWholeVersionAndNoLastingLitter) {
+    constexpr int kRounds = 30;
+    constexpr int kNotesEach = 8;
+    std::mt19937 random(20261121);
+    std::uniform_int_distribution<int> delayMicroseconds(0, 20000);
+    std::string expected;  // everything acknowledged so far
+    for (int round = 0; round < kRounds; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        ServerProcess server(asUser());
+        for (int n = 0; n < kNotesEach; ++n) {
+            server.sendLine(callLine(n, "remember_preference", {{"note", noteText(round, n)}}));
+        }
+        std::this_thread::sleep_for(std::chrono::microseconds(delayMicroseconds(random)));
+        server.kill();
+        int acknowledged = 0;
+        while (isOk(resultOf(server.readLine(std::chrono::milliseconds(50))))) {
+            ++acknowledged;
+        }
+        // The file is the one before this round plus this round's first k notes, in order, with
+        // at least every acknowledged one: a version that one of its appends produced.
+        const std::string text = readAll(notes_);
+        ASSERT_TRUE(text.starts_with(expected)) << "an earlier version was lost or torn";
+        const std::vector<std::pair<int, int>> added = parseNotes(text.substr(expected.size()));
+        ASSERT_GE(added.size(), static_cast<std::size_t>(acknowledged));
+        for (std::size_t i = 0; i < added.size(); ++i) {
+            EXPECT_EQ(added[i], std::pair(round, static_cast<int>(i)));
+        }
+        expected = text;
+    }
+    // Litter from killed writes never shows in a read, and the next write clears what is stale.
+    const std::vector<fs::path> litter = temporaries(directory_);
+    RecordProperty("temporariesLeftByKills", static_cast<int>(litter.size()));
+    for (const fs::path& path : litter) {
+        fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::minutes(2));
+    }
+    ServerProcess server(asUser());
+    server.sendLine(callLine(1, "read_preferences"));
+    EXPECT_EQ(resultOf(server.readLine())["content"], expected);
+    server.sendLine(callLine(2, "remember_preference", {{"note", noteText(99, 0)}}));
+    EXPECT_TRUE(isOk(resultOf(server.readLine())));
+    EXPECT_TRUE(temporaries(directory_).empty());
+    EXPECT_EQ(readAll(notes_), expected + "- " + noteText(99, 0) + "\n");
+}
+
+}  // namespace
+}  // namespace orvo::test

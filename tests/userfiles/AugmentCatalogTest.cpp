@@ -1,0 +1,114 @@
+#include "userfiles/AugmentCatalog.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "support/ServerProcess.h"
+
+namespace orvo {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(AugmentCatalogTest, ParsesFrontmatterAndDirectiveOrSaysWhyNot) {
+    const std::string directive2000(2000, 'd');
+    const struct {
+        std::string name;
+        std::string text;
+        std::string expected;  // the listing entry with its directive, or the reason
+    } cases[] = {
+        {"every field",
+         "---\nname: Brief replies\nkind: length\ndescription: Two sentences.\n---\n\nKeep it "
+         "short.\n",
+         R"({"description":"Two sentences.","directive":"Keep it short.","id":"brief",)"
+         R"("kind":"length","name":"Brief replies","source":"builtin"})"},
+        {"mark, line endings, quotes, comments and unknown keys",
+         "\xEF\xBB\xBF---\r\n# shown in the Dashboard\r\nname: \"Pirate: arr\"\r\nicon: x\r\n\r\n"
+         "kind: ''\r\n---\r\nTalk like a pirate.\r\n",
+         R"({"directive":"Talk like a pirate.","id":"brief","name":"Pirate: arr",)"
+         R"("source":"builtin"})"},
+        {"a directive of exactly 2000 bytes", "---\nname: n\n---\n" + directive2000,
+         R"({"directive":")" + directive2000 + R"(","id":"brief","name":"n","source":"builtin"})"},
+        {"no frontmatter", "name: n\nDo it.",
+         "the file must start with a line --- that opens the frontmatter"},
+        {"frontmatter never closed", "---\nname: n\nkind: tone\n",
+         "the frontmatter is not closed by a line ---"},
+        {"not key: value", "---\nname: n\njust words\n---\nDo it.", "line 3 is not \"key: value\""},
+        {"key twice", "---\nname: a\nname: b\n---\nDo it.", "the key name appears twice"},
+        {"no name", "---\nname:\nkind: tone\n---\nDo it.", "no name in the frontmatter"},
+        {"long name", "---\nname: " + std::string(81, 'n') + "\n---\nDo it.",
+         "the name is longer than 80 bytes"},
+        {"kind not a slug", "---\nname: n\nkind: Tone\n---\nDo it.",
+         "the kind must be lowercase letters, digits and hyphens, at most 32 bytes"},
+        {"long description", "---\nname: n\ndescription: " + std::string(301, 'd') + "\n---\nx",
+         "the description is longer than 300 bytes"},
+        {"no directive", "---\nname: n\n---\n \n\t\n", "no directive after the frontmatter"},
+        {"long directive", "---\nname: n\n---\n" + directive2000 + "d",
+         "the directive is longer than 2000 bytes"},
+        {"not UTF-8", "---\nname: caf\xE9\n---\nx", "not valid UTF-8"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::variant<Augment, std::string> parsed = parseAugmentFile("brief", c.text);
+        if (Augment* augment = std::get_if<Augment>(&parsed)) {
+            const AugmentCatalog catalog{{*augment}, {}, false};
+            EXPECT_EQ(dumpCompact(listAugments(catalog, std::nullopt, true)["augments"][0]),
+                      c.expected);
+        } else {
+            EXPECT_EQ(std::get<std::string>(parsed), c.expected);
+        }
+    }
+}
+
+TEST(AugmentCatalogTest, ListsBothDirectoriesAndEveryFileItCannotUse) {
+    test::TempDir root;
+    const fs::path builtin = root.path() / "Resources" / "augments";
+    const fs::path user = root.path() / "augments";
+    EXPECT_EQ(
+        dumpCompact(listAugments(loadAugmentCatalog(builtin, user), std::nullopt, false)),
+        R"({"augments":[],"invalidFiles":[],"userDirectory":"~/.config/orvo-agent/augments"})");
+
+    const auto augment = [](std::string name, std::string kind) {
+        return "---\nname: " + name + "\nkind: " + kind + "\n---\nDo " + name + ".\n";
+    };
+    test::writeFile(builtin / "brief.md", augment("Brief", "length"));
+    test::writeFile(builtin / "zeta.md", "no frontmatter");
+    test::writeFile(user / "brief.md", augment("My brief", "length"));
+    test::writeFile(user / "mine.md", augment("Mine", "tone"));
+    test::writeFile(user / "Bad Name.md", augment("Bad", "tone"));
+    test::writeFile(user / "notes.txt", "not an augment");
+    test::writeFile(user / ".draft.md", "hidden");
+    fs::create_directories(user / "folder.md");
+    ASSERT_EQ(::mkfifo((user / "pipe.md").c_str(), 0600), 0);
+
+    const AugmentCatalog catalog = loadAugmentCatalog(builtin, user);
+    EXPECT_EQ(listAugments(catalog, std::nullopt, false), json::parse(R"({
+        "augments": [
+            {"id": "brief", "name": "Brief", "kind": "length", "source": "builtin"},
+            {"id": "mine", "name": "Mine", "kind": "tone", "source": "user"}],
+        "invalidFiles": [
+            {"file": "zeta.md", "source": "builtin",
+             "reason": "the file must start with a line --- that opens the frontmatter"},
+            {"file": "Bad Name.md", "source": "user",
+             "reason": "the file name must be lowercase letters, digits and hyphens, then .md"},
+            {"file": "brief.md", "source": "user",
+             "reason": "the id is taken by a built-in augment; rename the file"},
+            {"file": "folder.md", "source": "user", "reason": "not a regular file"},
+            {"file": "pipe.md", "source": "user", "reason": "not a regular file"}],
+        "userDirectory": "~/.config/orvo-agent/augments"})"));
+    EXPECT_EQ(listAugments(catalog, "tone", true)["augments"],
+              json::parse(R"([{"id": "mine", "name": "Mine", "kind": "tone", "source": "user",
+                               "directive": "Do Mine."}])"));
+
+    test::writeFile(user / "large.md", std::string(kMaxAugmentFileBytes + 1, 'x'));
+    for (int i = 0; i < 200; ++i) {
+        test::writeFile(user / (std::to_string(1000 + i) + ".md"), augment("A", "tone"));
+    }
+    const AugmentCatalog crowded = loadAugmentCatalog(std::nullopt, user);
+    EXPECT_TRUE(crowded.truncated);
+    EXPECT_EQ(crowded.augments.size() + crowded.invalidFiles.size(), kMaxAugmentFiles);
+    EXPECT_EQ(listAugments(crowded, std::nullopt, false)["truncated"], true);
+}
+
+}  // namespace
+}  // namespace orvo

@@ -1,0 +1,171 @@
+#include "userfiles/ContextAuditLog.h"
+
+#include <atomic>
+
+#include <gtest/gtest.h>
+
+#include "protocol/MCPSocketPath.h"
+#include "support/FakeApp.h"
+#include "support/ServerProcess.h"
+
+namespace orvo {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::system_clock;
+
+std::vector<std::string> fileLines(const std::filesystem::path& path) {
+    return test::splitLines(test::readFile(path).value_or(""));
+}
+
+TEST(ContextAuditLogTest, TimestampsAreUTCWithMilliseconds) {
+    const struct {
+        system_clock::time_point time;
+        std::string text;
+    } cases[] = {
+        {system_clock::time_point{}, "1970-01-01T00:00:00.000Z"},
+        {system_clock::time_point{1795256841123ms}, "2026-11-21T10:27:21.123Z"},
+        {system_clock::time_point{1709251199999ms + 999us}, "2024-02-29T23:59:59.999Z"},
+        {system_clock::time_point{-1ms}, "1969-12-31T23:59:59.999Z"},
+        {system_clock::time_point{-86400001ms}, "1969-12-30T23:59:59.999Z"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        EXPECT_EQ(auditTimestamp(c.time), c.text);
+    }
+}
+
+TEST(ContextAuditLogTest, LinesCarryOnlyThePresentFieldsThenTheExtras) {
+    const system_clock::time_point time{1795256841123ms};
+    const struct {
+        std::string name;
+        AuditRecord record;
+        std::string line;
+    } cases[] = {
+        {"bare",
+         {"read_preferences", "ok", {}, {}, {}, {}},
+         R"({"ts":"2026-11-21T10:27:21.123Z","tool":"read_preferences","result":"ok"})"},
+        {"every field",
+         {"t", "error: x", "Mail", "com.example.mail", 0, {{"count", 2}, {"path", "/a/b"}}},
+         R"({"ts":"2026-11-21T10:27:21.123Z","tool":"t","result":"error: x","app":"Mail",)"
+         R"("bundle_id":"com.example.mail","output_bytes":0,"count":2,"path":"/a/b"})"},
+        {"an extra replaces an earlier key in place",
+         {"t", "ok", {}, {}, 5, {{"result", nullptr}, {"n", 1}, {"n", 2}}},
+         R"({"ts":"2026-11-21T10:27:21.123Z","tool":"t","result":null,"output_bytes":5,"n":2})"},
+        {"undecodable text is replaced, not dropped",
+         {"t\xFF", "ok", {}, {}, {}, {}},
+         "{\"ts\":\"2026-11-21T10:27:21.123Z\",\"tool\":\"t\xEF\xBF\xBD\",\"result\":\"ok\"}"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(auditLine(c.record, time), c.line);
+    }
+}
+
+TEST(ContextAuditLogTest, WritesRecordsInPostedOrderAndCreatesTheDirectory) {
+    test::TempDir dir;
+    const std::filesystem::path file = dir.path() / "missing" / "deeper" / "reads.jsonl";
+    const system_clock::time_point before = system_clock::now();
+    {
+        ContextAuditLog log(ContextAuditLogOptions{file});
+        for (int i = 0; i < 200; ++i) {
+            log.record({"tool" + std::to_string(i), "ok", {}, {}, i, {}});
+        }
+        ASSERT_TRUE(log.drain(10s));
+    }
+    const std::vector<std::string> lines = fileLines(file);
+    ASSERT_EQ(lines.size(), 200u);
+    std::string previous = auditTimestamp(before);
+    for (int i = 0; i < 200; ++i) {
+        const json line = json::parse(lines[static_cast<std::size_t>(i)]);
+        EXPECT_EQ(line["tool"], "tool" + std::to_string(i));
+        EXPECT_EQ(line["output_bytes"], i);
+        const std::string ts = line["ts"];
+        EXPECT_GE(ts, previous);
+        previous = ts;
+    }
+    EXPECT_LE(previous, auditTimestamp(system_clock::now()));
+}
+
+TEST(ContextAuditLogTest, FailuresGoToStandardErrorOnly) {
+    test::TempDir dir;
+    test::writeFile(dir.path() / "file", "");
+    struct Case {
+        std::filesystem::path file;
+        std::string diagnostic;
+    };
+    std::vector<Case> cases = {
+        {dir.path() / "file" / "reads.jsonl",
+         "orvo-agent-mcp: ContextAuditLog: open for write failed: " + dir.path().string() +
+             "/file/reads.jsonl: Not a directory (errno 20)\n"},
+    };
+    if (std::filesystem::exists("/dev/full")) {
+        cases.push_back({"/dev/full",
+                         "orvo-agent-mcp: ContextAuditLog: write failed: No space left on device "
+                         "(errno 28)\n"});
+    }
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.file);
+        ContextAuditLog log(ContextAuditLogOptions{c.file});
+        ::testing::internal::CaptureStderr();
+        log.record({"t", "ok", {}, {}, {}, {}});
+        ASSERT_TRUE(log.drain(10s));
+        EXPECT_EQ(::testing::internal::GetCapturedStderr(), c.diagnostic);
+    }
+}
+
+class ActivityCueTest : public ::testing::Test {
+protected:
+    // A log whose clock the test moves, with the app listening in the temporary home.
+    ContextAuditLog makeLog(bool audible) {
+        return ContextAuditLog(ContextAuditLogOptions{
+            home_.path() / "reads.jsonl", &client_, audible,
+            [this] { return std::chrono::steady_clock::time_point{now_.load()}; }});
+    }
+    // Requests that arrived, after a pause long enough for a stray one to show up.
+    std::size_t cuesAfterSettling(std::size_t expected) {
+        app_.waitForRequests(expected, 5s);
+        std::this_thread::sleep_for(300ms);
+        for (const test::ReceivedRequest& request : app_.received()) {
+            EXPECT_EQ(request.line, R"({"args":{},"method":"connected_app_activity_cue"})");
+        }
+        return app_.received().size();
+    }
+
+    test::TempDir home_;
+    test::FakeApp app_{MCPSocketPath::resolve(home_.path())};
+    AppClient client_{AppClientOptions{home_.path(), std::nullopt, false, {}}};
+    std::atomic<std::chrono::steady_clock::duration> now_{std::chrono::hours(1)};
+};
+
+TEST_F(ActivityCueTest, SendsAtMostOneCuePerTwoSeconds) {
+    ContextAuditLog log = makeLog(true);
+    const std::chrono::steady_clock::duration start = now_.load();
+    for (auto offset : {0ms, 500ms, 1999ms, 2000ms, 2500ms, 3999ms, 10000ms}) {
+        now_ = start + offset;
+        log.activityCue();
+    }
+    EXPECT_EQ(cuesAfterSettling(3), 3u);  // at 0, 2.0 and 10 seconds
+
+    now_ = start + 20s;
+    std::vector<std::thread> burst;
+    for (int i = 0; i < 8; ++i) {
+        burst.emplace_back([&log] { log.activityCue(); });
+    }
+    for (std::thread& thread : burst) {
+        thread.join();
+    }
+    EXPECT_EQ(cuesAfterSettling(4), 4u);
+}
+
+TEST_F(ActivityCueTest, SilencedCueSendsNothingButRecordsStillLand) {
+    ContextAuditLog log = makeLog(false);
+    log.activityCue();
+    log.record({"read_preferences", "ok", {}, {}, {}, {}});
+    ASSERT_TRUE(log.drain(10s));
+    EXPECT_EQ(fileLines(home_.path() / "reads.jsonl").size(), 1u);
+    EXPECT_EQ(cuesAfterSettling(0), 0u);
+}
+
+}  // namespace
+}  // namespace orvo
