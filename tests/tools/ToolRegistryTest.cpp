@@ -177,3 +177,34 @@ TEST(ToolRegistryDeathTest, TwoToolsWithOneNameStopTheProcess) {
 
 }  // namespace
 }  // namespace orvo
+
+namespace orvo {
+namespace {
+
+// The whole catalogue: each group alone offers exactly its rows of the table, every one of which
+// has a tool, except the three names no tool implements.
+TEST(ToolRegistryTest, EachGroupAloneOffersExactlyItsImplementedRows) {
+    const std::set<std::string_view> unimplemented = {
+        "set_assistant_ack_mode", "set_assistant_content_acknowledgments", "computer_playbook_run"};
+    EXPECT_EQ(ToolRegistry::assemble(registeredTools(), {}).tools().size(), 89u);
+    for (std::size_t i = 0; i < kToolsetRawValues.size(); ++i) {
+        const auto toolset = static_cast<MCPToolset>(i);
+        SCOPED_TRACE(kToolsetRawValues[i]);
+        std::set<std::string> expected;
+        for (const MCPToolMetadataRow& row : toolMetadataRows()) {
+            if (row.metadata.toolsets.contains(toolset) && !unimplemented.contains(row.name)) {
+                expected.emplace(row.name);
+            }
+        }
+        const ToolRegistry registry =
+            ToolRegistry::assemble(registeredTools(), {false, {toolset}, false});
+        std::set<std::string> offered;
+        for (const MCPTool* tool : registry.tools()) {
+            offered.emplace(tool->name());
+        }
+        EXPECT_EQ(offered, expected);
+    }
+}
+
+}  // namespace
+}  // namespace orvo
