@@ -23,7 +23,8 @@ cmake --preset ci >/dev/null
 cmake --build --preset ci -j "$jobs"
 ctest --preset ci -j "$jobs"
 
-# The same suite under the sanitizers: memory errors and undefined behaviour, then data races.
+# The same suite under the sanitizers: memory errors and undefined behaviour (a build that also
+# holds the fuzz targets), then data races.
 for preset in asan tsan; do
     cmake --preset "$preset" >/dev/null
     cmake --build --preset "$preset" -j "$jobs"
@@ -32,22 +33,20 @@ done
 
 # Fuzzing: each target runs for 30 seconds with AddressSanitizer, leak checks and UBSan; then
 # the optimised build replays every input found and fails if any takes over 10 ms.
-cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz -j "$jobs"
 for target in $(sed -n 's/^set(ORVO_FUZZ_TARGETS \(.*\))$/\1/p' CMakeLists.txt); do
-    corpus="build/fuzz/corpus/$target"
+    corpus="build/asan/corpus/$target"
     mkdir -p "$corpus"
     options=(-max_total_time=30 -timeout=5 -print_final_stats=1)
     [ -f "fuzz/$target.dict" ] && options+=("-dict=fuzz/$target.dict")
     seeds=()
     [ -d "fuzz/corpus/$target" ] && seeds+=("fuzz/corpus/$target")
-    if ! "build/fuzz/bin/$target" "${options[@]}" "$corpus" "${seeds[@]}" \
-        >"build/fuzz/$target.log" 2>&1; then
-        tail -n 40 "build/fuzz/$target.log"
+    if ! "build/asan/bin/$target" "${options[@]}" "$corpus" "${seeds[@]}" \
+        >"build/asan/$target.log" 2>&1; then
+        tail -n 40 "build/asan/$target.log"
         echo "fuzz target $target failed" >&2
         exit 1
     fi
-    echo "$target: $(grep -o 'stat::number_of_executed_units: [0-9]*' "build/fuzz/$target.log")"
+    echo "$target: $(grep -o 'stat::number_of_executed_units: [0-9]*' "build/asan/$target.log")"
     "build/ci/bin/${target}_replay" 10 "$corpus" "${seeds[@]}"
 done
 
