@@ -18,6 +18,7 @@
 #include "support/FakeApp.h"
 #include "support/ServerProcess.h"
 #include "support/ThrowawayUser.h"
+#include "support/UserAppTest.h"
 
 namespace orvo::test {
 namespace {
@@ -67,25 +68,14 @@ json tomlTable(const std::string& block) {
     return table;
 }
 
-class AgentConfigurationTest : public ::testing::Test {
+class AgentConfigurationTest : public UserAppTest {
 protected:
     void SetUp() override {
-        std::string whyNot;
-        user_ = ThrowawayUser::get(whyNot);
-        if (user_ == nullptr) {
-            GTEST_SKIP() << whyNot;
+        UserAppTest::SetUp();
+        if (IsSkipped()) {
+            return;
         }
-        user_->resetHome();
-        const auto socket = MCPSocketPath::resolve(user_->home);
-        user_->makeHomeDirectories(std::filesystem::relative(socket.parent_path(), user_->home));
-        app_ = std::make_unique<FakeApp>(socket, std::pair{user_->uid, user_->gid});
         page_ = readPage();
-    }
-    ProcessOptions asUser() const {
-        ProcessOptions options;
-        options.uid = user_->uid;
-        options.gid = user_->gid;
-        return options;
     }
     // The `_agent` that reaches the app from a server started with `arguments`.
     json agentSeenByTheApp(std::vector<std::string> arguments) {
@@ -102,9 +92,6 @@ protected:
         }
         return app_->received().back().request["args"].value("_agent", json());
     }
-
-    const ThrowawayUser* user_ = nullptr;
-    std::unique_ptr<FakeApp> app_;
     std::string page_;
 };
 

@@ -5,6 +5,7 @@
 #include "support/FakeApp.h"
 #include "support/ServerProcess.h"
 #include "support/ThrowawayUser.h"
+#include "support/UserAppTest.h"
 #include "tools/ToolCatalog.h"
 #include "tools/ToolRegistry.h"
 
@@ -18,24 +19,11 @@ json toolCall(const json& id, std::string_view name, const json& arguments = jso
             {"params", {{"name", name}, {"arguments", arguments}}}};
 }
 
-class AppSessionTest : public ::testing::Test {
+class AppSessionTest : public UserAppTest {
 protected:
-    void SetUp() override {
-        std::string whyNot;
-        user_ = ThrowawayUser::get(whyNot);
-        if (user_ == nullptr) {
-            GTEST_SKIP() << whyNot;
-        }
-        user_->resetHome();
-        const auto socket = MCPSocketPath::resolve(user_->home);
-        user_->makeHomeDirectories(std::filesystem::relative(socket.parent_path(), user_->home));
-        app_ = std::make_unique<FakeApp>(socket, std::pair{user_->uid, user_->gid});
-    }
     std::unique_ptr<ServerProcess> startServer(std::vector<std::string> arguments = {}) {
-        ProcessOptions options;
+        ProcessOptions options = asUser();
         options.arguments = std::move(arguments);
-        options.uid = user_->uid;
-        options.gid = user_->gid;
         return std::make_unique<ServerProcess>(options);
     }
     FakeReply held() const {
@@ -43,9 +31,6 @@ protected:
         reply.holdUntilDisconnect = true;
         return reply;
     }
-
-    const ThrowawayUser* user_ = nullptr;
-    std::unique_ptr<FakeApp> app_;
 };
 
 TEST_F(AppSessionTest, EveryForwardedToolReachesTheAppUnchanged) {

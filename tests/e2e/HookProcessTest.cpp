@@ -5,6 +5,7 @@
 #include "support/FakeApp.h"
 #include "support/ServerProcess.h"
 #include "support/ThrowawayUser.h"
+#include "support/UserAppTest.h"
 
 namespace orvo::test {
 namespace {
@@ -12,24 +13,11 @@ namespace {
 const std::string kForcePush =
     R"({"session_id":"s1","transcript_path":"/tmp/t.jsonl","cwd":"/repo","hook_event_name":"PreToolUse","tool_name":"Bash","tool_input":{"command":"git push --force origin main"}})";
 
-class HookProcessTest : public ::testing::Test {
+class HookProcessTest : public UserAppTest {
 protected:
-    void SetUp() override {
-        std::string whyNot;
-        user_ = ThrowawayUser::get(whyNot);
-        if (user_ == nullptr) {
-            GTEST_SKIP() << whyNot;
-        }
-        user_->resetHome();
-        const auto socket = MCPSocketPath::resolve(user_->home);
-        user_->makeHomeDirectories(std::filesystem::relative(socket.parent_path(), user_->home));
-        app_ = std::make_unique<FakeApp>(socket, std::pair{user_->uid, user_->gid});
-    }
     ProcessOptions hookOptions() const {
-        ProcessOptions options;
+        ProcessOptions options = asUser();
         options.arguments = {"--action-hold-hook"};
-        options.uid = user_->uid;
-        options.gid = user_->gid;
         options.environment = {{"ORVO_ACTION_HOLD_TOKEN", "tok"}};
         return options;
     }
@@ -50,9 +38,6 @@ protected:
         run.log = hook.standardError();
         return run;
     }
-
-    const ThrowawayUser* user_ = nullptr;
-    std::unique_ptr<FakeApp> app_;
 };
 
 TEST_F(HookProcessTest, EachOutcomeAsTheAgentSeesIt) {

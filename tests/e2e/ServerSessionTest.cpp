@@ -5,6 +5,7 @@
 
 #include "support/ServerProcess.h"
 #include "support/ThrowawayUser.h"
+#include "support/UserAppTest.h"
 #include "tools/ToolCatalog.h"
 #include "tools/ToolRegistry.h"
 
@@ -254,24 +255,7 @@ TEST(ServerSessionTest, OnlyAToolSetWithSpeakOffersVoice) {
     }
 }
 
-class ThrowawayHomeTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        std::string whyNot;
-        user_ = ThrowawayUser::get(whyNot);
-        if (user_ == nullptr) {
-            GTEST_SKIP() << whyNot;
-        }
-        user_->resetHome();
-    }
-    ProcessOptions asUser() const {
-        ProcessOptions options;
-        options.uid = user_->uid;
-        options.gid = user_->gid;
-        return options;
-    }
-    const ThrowawayUser* user_ = nullptr;
-};
+class ThrowawayHomeTest : public UserAppTest {};
 
 TEST_F(ThrowawayHomeTest, InstructionsNameTheDocsUnderTheUsersHome) {
     ProcessOptions options = asUser();

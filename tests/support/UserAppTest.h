@@ -1,0 +1,42 @@
+// A throwaway user whose fake app answers on that user's own socket, for runs of the real binary.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "protocol/MCPSocketPath.h"
+#include "support/FakeApp.h"
+#include "support/ServerProcess.h"
+#include "support/ThrowawayUser.h"
+
+namespace orvo::test {
+
+class UserAppTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string whyNot;
+        user_ = ThrowawayUser::get(whyNot);
+        if (user_ == nullptr) {
+            GTEST_SKIP() << whyNot;
+        }
+        user_->resetHome();
+        const auto socket = MCPSocketPath::resolve(user_->home);
+        user_->makeHomeDirectories(std::filesystem::relative(socket.parent_path(), user_->home));
+        app_ = std::make_unique<FakeApp>(socket, std::pair{user_->uid, user_->gid});
+    }
+    // A process of the real binary run as the user.
+    ProcessOptions asUser() const {
+        ProcessOptions options;
+        options.uid = user_->uid;
+        options.gid = user_->gid;
+        return options;
+    }
+
+    const ThrowawayUser* user_ = nullptr;
+    std::unique_ptr<FakeApp> app_;
+};
+
+}  // namespace orvo::test
