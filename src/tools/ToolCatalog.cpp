@@ -2,6 +2,7 @@
 #include "tools/ToolCatalog.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "tools/MCPToolMetadata.h"
 
@@ -17,9 +18,15 @@ std::span<const MCPTool* const> registeredTools() {
             tools.insert(tools.end(), members.begin(), members.end());
         }
         // The metadata table lists tools in registration order; a tool without a row sorts last
-        // and is never offered.
-        std::ranges::stable_sort(
-            tools, {}, [](const MCPTool* tool) { return registrationIndex(tool->name()); });
+        // and is never offered. Each tool's place is looked up once: this runs at every start.
+        std::vector<std::pair<std::size_t, const MCPTool*>> placed;
+        placed.reserve(tools.size());
+        for (const MCPTool* tool : tools) {
+            placed.emplace_back(registrationIndex(tool->name()), tool);
+        }
+        std::ranges::stable_sort(placed, {}, &std::pair<std::size_t, const MCPTool*>::first);
+        std::ranges::transform(placed, tools.begin(),
+                               &std::pair<std::size_t, const MCPTool*>::second);
         return tools;
     }();
     return kOrdered;
