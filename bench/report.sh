@@ -1,0 +1,181 @@
+#!/usr/bin/env bash
+# Sets orvo-agent-mcp beside other hooks and MCP servers from the npm registry, all measured in
+# one run on this machine: the hook process per agent tool call, a server's cold start to its
+# first tools/list answer, its steady pipelined ping rate, and the peak memory of each. Writes
+# bench/report/README.md (the table), bench/report/results.tsv and bench/report/chart.png.
+#
+# The native servers compared are Linux x86-64 builds, so the report is made on such a machine.
+# Nothing here reads or writes your home: every program runs with HOME in a temporary folder.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+report=bench/report
+modules=bench/compare/node_modules
+
+scripts/install-deps.sh gnuplot-nox
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+results="$scratch/results.tsv"
+
+measure() {
+    if ! command -v node >/dev/null || ! command -v npm >/dev/null; then
+        scripts/install-deps.sh nodejs npm
+    fi
+    timeout 600 npm ci --prefix bench/compare --ignore-scripts --no-audit --no-fund --loglevel=error \
+        >/dev/null
+    cmake --preset release >/dev/null && cmake --build --preset release >/dev/null
+    cmake --preset ci >/dev/null && cmake --build --preset ci --target orvo_compare >/dev/null
+    orvo=build/release/bin/orvo-agent-mcp
+    compare=build/ci/bin/orvo_compare
+
+    mkdir -p "$scratch/home" "$scratch/files"
+    export HOME="$scratch/home"
+    export CC_SAFETY_NET_HOME="$scratch/home"
+    # No Orvo app runs here: a held call finds no socket and is let through, as on a Mac without
+    # the app open.
+    export ORVO_MCP_SOCKET="$scratch/no-app.sock"
+    export MEMORY_FILE_PATH="$scratch/files/memory.jsonl"
+    # Read at start only; nothing is sent anywhere during initialize, tools/list and ping.
+    export KANONIV_API_KEY=placeholder
+
+    hook_calls=(bench/hook-calls/*.json)
+
+    # label | language | rounds over every call | command
+    hooks=(
+        "/bin/true (the cost of a process)|C|40|/bin/true"
+        "orvo-agent-mcp --action-hold-hook|C++|40|$orvo --action-hold-hook"
+        "cc-safety-net 2.4.5|Node.js|3|node $modules/cc-safety-net/dist/bin/cc-safety-net.js hook --claude-code"
+    )
+    # label | language | cold starts | command
+    servers=(
+        "orvo-agent-mcp|C++|200|$orvo"
+        "kanoniv-mcp 0.3.7|Rust|30|$modules/@kanoniv/mcp-linux-x64/kanoniv-mcp"
+        "leanspec-mcp 0.3.0|Rust|30|$modules/@leanspec/mcp-linux-x64/leanspec-mcp"
+        "vaulttools-mcp 0.1.7|Rust|30|$modules/@vaulttools/mcp-linux-x64/bin/vaulttools-mcp --allowed-dir $scratch/files"
+        "mcp-time 0.4.0|Go|30|$modules/mcp-time-linux-x64/bin/mcp-time"
+        "mcp-cron 0.9.1|Go|30|$modules/mcp-cron-linux-amd64/bin/mcp-cron -transport stdio -db-path $scratch/files/cron.db"
+        "server-everything 2026.8.31|Node.js|10|node $modules/@modelcontextprotocol/server-everything/dist/index.js stdio"
+        "server-memory 2026.8.31|Node.js|10|node $modules/@modelcontextprotocol/server-memory/dist/index.js"
+        "server-filesystem 2026.8.31|Node.js|10|node $modules/@modelcontextprotocol/server-filesystem/dist/index.js $scratch/files"
+        "server-sequential-thinking 2026.8.31|Node.js|10|node $modules/@modelcontextprotocol/server-sequential-thinking/dist/index.js"
+    )
+    chmod +x "$modules"/*/bin/* "$modules"/@*/*/bin/* "$modules"/@*/*/*-mcp 2>/dev/null || true
+
+    printf 'kind\tlabel\tlanguage\tmedian_ms\tp90_ms\tpeak_mib\tpings_per_s\n' >"$results"
+    to_ms() { awk -v us="$1" 'BEGIN { printf "%.3f", us / 1000 }'; }
+    to_mib() { awk -v kib="$1" 'BEGIN { printf "%.1f", kib / 1024 }'; }
+
+    for entry in "${hooks[@]}"; do
+        IFS='|' read -r label language rounds command <<<"$entry"
+        echo "hook: $label" >&2
+        # shellcheck disable=SC2086 # the command's words are meant to split
+        read -r median p90 peak < <("$compare" hook "$rounds" "${hook_calls[@]}" -- $command)
+        printf 'hook\t%s\t%s\t%s\t%s\t%s\t\n' "$label" "$language" "$(to_ms "$median")" \
+            "$(to_ms "$p90")" "$(to_mib "$peak")" >>"$results"
+    done
+    for entry in "${servers[@]}"; do
+        IFS='|' read -r label language runs command <<<"$entry"
+        echo "server: $label" >&2
+        # shellcheck disable=SC2086
+        read -r median p90 _ < <("$compare" start "$runs" -- $command)
+        # shellcheck disable=SC2086
+        read -r rate peak < <("$compare" ping 3 -- $command)
+        printf 'server\t%s\t%s\t%s\t%s\t%s\t%s\n' "$label" "$language" "$(to_ms "$median")" \
+            "$(to_ms "$p90")" "$(to_mib "$peak")" "$rate" >>"$results"
+    done
+
+    mkdir -p "$report"
+    cp "$results" "$report/results.tsv"
+}
+
+# --format-only rewrites the table and the chart from the last results.tsv without measuring.
+if [ "${1:-}" = --format-only ]; then
+    cp "$report/results.tsv" "$results"
+else
+    measure
+fi
+
+# The table, with every figure also as a ratio to this program's own.
+machine="$(sed -n 's/^model name[[:space:]]*: //p' /proc/cpuinfo | head -n 1), $(nproc) cores, \
+$(awk '/MemTotal/ { printf "%.0f GiB", $2 / 1048576 }' /proc/meminfo); \
+$(. /etc/os-release && echo "$PRETTY_NAME"), Linux $(uname -r), Node.js $(node --version)"
+awk -F'\t' -v machine="$machine" -v date="$(date -u +%Y-%m-%d)" '
+    function ratio(a, b) { return b > 0 ? sprintf("%.1f×", a / b) : "" }
+    function fixed(x) { return x >= 100 ? sprintf("%.0f", x) : x >= 10 ? sprintf("%.1f", x) : sprintf("%.2f", x) }
+    NR == 1 { next }
+    $1 == "hook" { hook[++hooks] = $0; if ($2 ~ /^orvo/) orvoHook = $4; if ($2 ~ /^\/bin\/true/) trueHook = $4;
+                   if ($3 == "Node.js") npmHook = $4 }
+    $1 == "server" { server[++servers] = $0; if ($2 ~ /^orvo/) { orvoStart = $4; orvoRate = $7; orvoPeak = $6 }
+                     if ($3 == "Node.js" && (nodeStart == "" || $4 < nodeStart)) { nodeStart = $4; nodeName = $2 }
+                     if ($3 == "Node.js" && (nodeRate == "" || $7 > nodeRate)) nodeRate = $7
+                     if ($3 != "Node.js" && $2 !~ /^orvo/ && (nativeStart == "" || $4 < nativeStart)) { nativeStart = $4; nativeName = $2 } }
+    END {
+        print "# Side by side with other hooks and MCP servers"
+        print ""
+        print "Measured by [`bench/report.sh`](../report.sh) on " date ", on " machine "."
+        print "Every program ran in the same run, one after another, with a temporary home and no Orvo"
+        print "app running. The figures are whole processes as an agent starts them; ratios are the point,"
+        print "the absolute times move with the machine."
+        print ""
+        print "- **Hook**: " ratio(npmHook, orvoHook) " faster than cc-safety-net per tool call, and " \
+              ratio(orvoHook, trueHook) " the cost of spawning `/bin/true`."
+        print "- **Cold start** to the first `tools/list` answer: " ratio(nodeStart, orvoStart) \
+              " faster than the fastest Node.js reference server (" nodeName "), " \
+              ratio(nativeStart, orvoStart) " faster than the fastest native server tried (" nativeName ")."
+        print "- **Pings**: " ratio(orvoRate, nodeRate) " the rate of the fastest Node.js reference server."
+        print "- **Peak memory** of the server: " orvoPeak " MiB."
+        print ""
+        print "![hook time, cold start and peak memory](chart.png)"
+        print ""
+        print "## The hook, per agent tool call"
+        print ""
+        print "Eight typical calls (`bench/hook-calls/`: Read, Edit, Grep, git status, npm test, a commit,"
+        print "`rm -rf dist`, a force push), each a new process given the call on standard input."
+        print ""
+        print "| Hook | Language | Median ms | 90th percentile ms | Peak memory MiB | Median vs orvo |"
+        print "|---|---|---:|---:|---:|---:|"
+        for (i = 1; i <= hooks; ++i) { split(hook[i], f, "\t")
+            print "| " f[2] " | " f[3] " | " fixed(f[4]) " | " fixed(f[5]) " | " f[6] " | " ratio(f[4], orvoHook) " |" }
+        print ""
+        print "## The server"
+        print ""
+        print "Cold start: spawn, `initialize`, `notifications/initialized`, `tools/list`, until its answer."
+        print "Pings: 32 kept in flight for 3 seconds. Peak memory: the high-water mark of the process after the pings."
+        print ""
+        print "| Server | Language | Cold start median ms | 90th percentile ms | Cold start vs orvo | Pings per second | Peak memory MiB |"
+        print "|---|---|---:|---:|---:|---:|---:|"
+        for (i = 1; i <= servers; ++i) { split(server[i], f, "\t")
+            print "| " f[2] " | " f[3] " | " fixed(f[4]) " | " fixed(f[5]) " | " ratio(f[4], orvoStart) " | " f[7] " | " f[6] " |" }
+    }' "$results" >"$report/README.md"
+
+# Three panels on logarithmic axes, since the programs differ by orders of magnitude.
+# Bars are named without versions and options; the table has them.
+short='{ name = $2; sub(/ \(.*\)$/, "", name); sub(/ --action-hold-hook$/, "", name);
+         sub(/ [0-9][0-9.]*$/, "", name); sub(/^server-sequential-thinking$/, "server-seq.-thinking", name) }'
+awk -F'\t' "$short"' NR > 1 && $1 == "hook" { printf "\"%s\" %s\n", name, $4 }' \
+    "$results" >"$scratch/hooks.dat"
+awk -F'\t' "$short"' NR > 1 && $1 == "server" { printf "\"%s\" %s %s\n", name, $4, $6 }' \
+    "$results" >"$scratch/servers.dat"
+gnuplot <<EOF
+set terminal pngcairo size 1500,520 font "DejaVu Sans,10"
+set output "$report/chart.png"
+set multiplot layout 1,3 title "orvo-agent-mcp beside other hooks and MCP servers ($(date -u +%Y-%m-%d), $(nproc) cores)"
+set style data histograms
+set style fill solid 0.8 border -1
+set boxwidth 0.7
+set logscale y
+set grid ytics
+set xtics rotate by -40 scale 0 font ",9"
+set bmargin 7
+set yrange [0.1:2000]
+label(x) = x >= 100 ? sprintf("%.0f", x) : x >= 10 ? sprintf("%.1f", x) : sprintf("%.2f", x)
+set key off
+set title "Hook process per tool call, median ms"
+plot "$scratch/hooks.dat" using 2:xtic(1) lc rgb "#3b6ea5", '' using 0:(\$2*1.4):(label(\$2)) with labels font ",9"
+set title "Cold start to the tools/list answer, median ms"
+plot "$scratch/servers.dat" using 2:xtic(1) lc rgb "#3b6ea5", '' using 0:(\$2*1.4):(label(\$2)) with labels font ",8"
+set title "Server peak memory, MiB"
+plot "$scratch/servers.dat" using 3:xtic(1) lc rgb "#7a9c3b", '' using 0:(\$3*1.4):(label(\$3)) with labels font ",8"
+unset multiplot
+EOF
+cat "$report/README.md"
