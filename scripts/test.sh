@@ -31,24 +31,8 @@ for preset in asan tsan; do
     ctest --preset "$preset" -j "$jobs"
 done
 
-# Fuzzing: each target runs for 30 seconds with AddressSanitizer, leak checks and UBSan; then
-# the optimised build replays every input found and fails if any takes over 10 ms.
-for target in $(sed -n 's/^set(ORVO_FUZZ_TARGETS \(.*\))$/\1/p' CMakeLists.txt); do
-    corpus="build/asan/corpus/$target"
-    mkdir -p "$corpus"
-    options=(-max_total_time=30 -timeout=5 -print_final_stats=1)
-    [ -f "fuzz/$target.dict" ] && options+=("-dict=fuzz/$target.dict")
-    seeds=()
-    [ -d "fuzz/corpus/$target" ] && seeds+=("fuzz/corpus/$target")
-    if ! "build/asan/bin/$target" "${options[@]}" "$corpus" "${seeds[@]}" \
-        >"build/asan/$target.log" 2>&1; then
-        tail -n 40 "build/asan/$target.log"
-        echo "fuzz target $target failed" >&2
-        exit 1
-    fi
-    echo "$target: $(grep -o 'stat::number_of_executed_units: [0-9]*' "build/asan/$target.log")"
-    "build/ci/bin/${target}_replay" 10 "$corpus" "${seeds[@]}"
-done
+# Every fuzz target at once for a minute, then every input found replayed in the optimised build.
+scripts/fuzz.sh 60
 
 # The benchmarks run briefly so that they keep working; their figures come from a full run.
 build/ci/bin/orvo_bench --benchmark_min_time=0.05 >/dev/null
