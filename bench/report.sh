@@ -120,8 +120,9 @@ awk -F'\t' -v machine="$machine" -v date="$(date -u +%Y-%m-%d)" '
         print "- **Hook**: " ratio(npmHook, orvoHook) " faster than cc-safety-net per tool call, and " \
               ratio(orvoHook, trueHook) " the cost of spawning `/bin/true`."
         print "- **Cold start** to the first `tools/list` answer: " ratio(nodeStart, orvoStart) \
-              " faster than the fastest Node.js reference server (" nodeName "), " \
-              ratio(nativeStart, orvoStart) " faster than the fastest native server tried (" nativeName ")."
+              " faster than the fastest Node.js reference server (" nodeName "); the fastest native server " \
+              "tried, " nativeName ", takes " fixed(nativeStart) " ms against " fixed(orvoStart) " ms (" \
+              ratio(nativeStart, orvoStart) " of ours)."
         print "- **Pings**: " ratio(orvoRate, nodeRate) " the rate of the fastest Node.js reference server."
         print "- **Peak memory** of the server: " orvoPeak " MiB."
         print ""
@@ -149,33 +150,38 @@ awk -F'\t' -v machine="$machine" -v date="$(date -u +%Y-%m-%d)" '
     }' "$results" >"$report/README.md"
 
 # Three panels on logarithmic axes, since the programs differ by orders of magnitude.
-# Bars are named without versions and options; the table has them.
+# Bars are named without versions and options (the table has them); this program's are orange.
 short='{ name = $2; sub(/ \(.*\)$/, "", name); sub(/ --action-hold-hook$/, "", name);
-         sub(/ [0-9][0-9.]*$/, "", name); sub(/^server-sequential-thinking$/, "server-seq.-thinking", name) }'
-awk -F'\t' "$short"' NR > 1 && $1 == "hook" { printf "\"%s\" %s\n", name, $4 }' \
+         sub(/ [0-9][0-9.]*$/, "", name); sub(/^server-sequential-thinking$/, "server-seq.-thinking", name)
+         colour = name ~ /^orvo/ ? "0xd9822b" : "0x3b6ea5" }'
+awk -F'\t' "$short"' NR > 1 && $1 == "hook" { printf "\"%s\" %s %s\n", name, $4, colour }' \
     "$results" >"$scratch/hooks.dat"
-awk -F'\t' "$short"' NR > 1 && $1 == "server" { printf "\"%s\" %s %s\n", name, $4, $6 }' \
+awk -F'\t' "$short"' NR > 1 && $1 == "server" { printf "\"%s\" %s %s %s\n", name, $4, $6, colour }' \
     "$results" >"$scratch/servers.dat"
 gnuplot <<EOF
 set terminal pngcairo size 1500,520 font "DejaVu Sans,10"
 set output "$report/chart.png"
-set multiplot layout 1,3 title "orvo-agent-mcp beside other hooks and MCP servers ($(date -u +%Y-%m-%d), $(nproc) cores)"
-set style data histograms
-set style fill solid 0.8 border -1
-set boxwidth 0.7
+set multiplot layout 1,3 title "orvo-agent-mcp beside other hooks and MCP servers ($(date -u +%Y-%m-%d), $(nproc) cores; logarithmic scales)"
+set style fill solid 0.85 border -1
+set boxwidth 0.6
 set logscale y
 set grid ytics
 set xtics rotate by -40 scale 0 font ",9"
 set bmargin 7
 set yrange [0.1:2000]
-label(x) = x >= 100 ? sprintf("%.0f", x) : x >= 10 ? sprintf("%.1f", x) : sprintf("%.2f", x)
 set key off
+label(x) = x >= 100 ? sprintf("%.0f", x) : x >= 10 ? sprintf("%.1f", x) : sprintf("%.2f", x)
 set title "Hook process per tool call, median ms"
-plot "$scratch/hooks.dat" using 2:xtic(1) lc rgb "#3b6ea5", '' using 0:(\$2*1.4):(label(\$2)) with labels font ",9"
+set xrange [-0.6:2.6]
+plot "$scratch/hooks.dat" using 0:2:3:xtic(1) with boxes lc rgb variable, \
+     '' using 0:(\$2*1.4):(label(\$2)) with labels font ",9"
+set xrange [-0.6:9.6]
 set title "Cold start to the tools/list answer, median ms"
-plot "$scratch/servers.dat" using 2:xtic(1) lc rgb "#3b6ea5", '' using 0:(\$2*1.4):(label(\$2)) with labels font ",8"
+plot "$scratch/servers.dat" using 0:2:4:xtic(1) with boxes lc rgb variable, \
+     '' using 0:(\$2*1.4):(label(\$2)) with labels font ",8"
 set title "Server peak memory, MiB"
-plot "$scratch/servers.dat" using 3:xtic(1) lc rgb "#7a9c3b", '' using 0:(\$3*1.4):(label(\$3)) with labels font ",8"
+plot "$scratch/servers.dat" using 0:3:4:xtic(1) with boxes lc rgb variable, \
+     '' using 0:(\$3*1.4):(label(\$3)) with labels font ",8"
 unset multiplot
 EOF
 cat "$report/README.md"
