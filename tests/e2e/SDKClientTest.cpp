@@ -17,8 +17,12 @@
 namespace orvo::test {
 namespace {
 
+// The client's source is here; the SDK is installed under build/ (scripts/test.sh), and the
+// client runs from there so that Node.js finds it.
+const std::filesystem::path kClientSource =
+    std::filesystem::path(ORVO_SOURCE_DIR) / "tests/interop/client.mjs";
 const std::filesystem::path kInteropDirectory =
-    std::filesystem::path(ORVO_SOURCE_DIR) / "tests/interop";
+    std::filesystem::path(ORVO_SOURCE_DIR) / "build/interop";
 
 std::optional<std::filesystem::path> findOnPath(std::string_view program) {
     const char* path = std::getenv("PATH");
@@ -47,9 +51,11 @@ protected:
         }
         if (!std::filesystem::exists(kInteropDirectory /
                                      "node_modules/@modelcontextprotocol/sdk/package.json")) {
-            GTEST_SKIP() << "the MCP SDK is not installed: run npm ci --prefix tests/interop "
-                            "(scripts/test.sh does)";
+            GTEST_SKIP() << "the MCP SDK is not installed in build/interop: scripts/test.sh "
+                            "installs it from the npm registry";
         }
+        std::filesystem::copy_file(kClientSource, kInteropDirectory / "client.mjs",
+                                   std::filesystem::copy_options::overwrite_existing);
         user_->resetHome();
     }
 
