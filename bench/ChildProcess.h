@@ -16,6 +16,19 @@ extern char** environ;
 
 namespace orvo {
 
+// The high-water mark of a running process's own memory, in KiB; -1 where unknown. (The rusage
+// of a reaped child is no use for this: Linux carries the spawning process's size over the exec.)
+inline long peakResidentKiB(pid_t pid) {
+    std::ifstream status("/proc/" + std::to_string(pid) + "/status");
+    std::string line;
+    while (std::getline(status, line)) {
+        if (line.starts_with("VmHWM:")) {
+            return std::stol(line.substr(6));
+        }
+    }
+    return -1;
+}
+
 struct Child {
     pid_t pid = -1;
     int input = -1;
@@ -76,16 +89,7 @@ struct Child {
         surplusLines -= lines;
     }
 
-    long peakResidentKiB() const {
-        std::ifstream status("/proc/" + std::to_string(pid) + "/status");
-        std::string line;
-        while (std::getline(status, line)) {
-            if (line.starts_with("VmHWM:")) {
-                return std::stol(line.substr(6));
-            }
-        }
-        return -1;
-    }
+    long peakResidentKiB() const { return orvo::peakResidentKiB(pid); }
 
     // Closes input, drains output and reaps the child.
     void finish() {

@@ -26,15 +26,15 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
-#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #ifdef __linux__
 #include <sys/ptrace.h>
 #endif
-#include <nlohmann/json.hpp>
-#include <sys/wait.h>
-#include <unistd.h>
 
-extern char** environ;
+#include <nlohmann/json.hpp>
+
+#include "ChildProcess.h"
 
 namespace {
 
@@ -167,19 +167,6 @@ struct Process {
         fail("output ended before the answer to request " + std::to_string(id));
     }
 
-    // The high-water mark of the running program's own memory. (The rusage of a reaped child
-    // is no use here: Linux carries the spawning process's size over the exec into it.)
-    long peakResidentKiB() const {
-        std::ifstream status("/proc/" + std::to_string(pid) + "/status");
-        std::string line;
-        while (std::getline(status, line)) {
-            if (line.starts_with("VmHWM:")) {
-                return std::stol(line.substr(6));
-            }
-        }
-        return -1;
-    }
-
     // Closes input, reads output to its end and reaps the process; a server that outlives its
     // input by two seconds is killed.
     void finish() {
@@ -268,9 +255,7 @@ long hookPeakResidentKiB(const std::vector<std::string>& command, const std::str
         }
         int forward = 0;
         if (status >> 8 == (SIGTRAP | (PTRACE_EVENT_EXIT << 8))) {
-            Process stopped;
-            stopped.pid = pid;
-            peakKiB = stopped.peakResidentKiB();
+            peakKiB = orvo::peakResidentKiB(pid);
         } else {
             forward = WSTOPSIG(status);
         }
@@ -340,7 +325,7 @@ int runStart(int runs, const std::vector<std::string>& command) {
         process.awaitAnswer(1);
         process.awaitAnswer(2);
         times.push_back(microsecondsSince(start));
-        peakKiB = std::max(peakKiB, process.peakResidentKiB());
+        peakKiB = std::max(peakKiB, orvo::peakResidentKiB(process.pid));
         process.finish();
     }
     std::printf("%.1f\t%.1f\t%ld\n", percentile(times, 0.5), percentile(times, 0.9), peakKiB);
@@ -384,7 +369,7 @@ int runPing(double seconds, const std::vector<std::string>& command) {
         process.send(refill);
     }
     const double elapsed = std::chrono::duration<double>(Clock::now() - start).count();
-    const long peakKiB = process.peakResidentKiB();
+    const long peakKiB = orvo::peakResidentKiB(process.pid);
     process.finish();
     std::printf("%.0f\t%ld\n", static_cast<double>(answered) / elapsed, peakKiB);
     return 0;
