@@ -63,10 +63,6 @@ TEST_F(ActionHoldHookTest, EveryOutcomeOfTheExchange) {
          test::successReply({{"decided", "allow"}}),
          kDenyFixed,
          {"malformed action hold reply; not running it"}},
-        {"result not an object",
-         test::successReply(json::array()),
-         kDenyFixed,
-         {"malformed action hold reply; not running it"}},
         {"closed without reply",
          test::FakeReply{""},
          kDenyFixed,
@@ -102,11 +98,8 @@ TEST_F(ActionHoldHookTest, AsksOnlyForHeldCallsAndLetsUnreadableInputThrough) {
         std::vector<std::string> log;
     } cases[] = {
         {R"({"tool_name":"Read","tool_input":{"file_path":"/etc/hosts"}})", {}},
-        {R"({"tool_name":"Bash","tool_input":{"command":"git status"}})", {}},
         {R"({"tool_name":"Bash","tool_input":{"command":"git push --force -n"}})", {}},
         {"not json", {"unreadable hook input; allowing"}},
-        {R"({"tool_name":"Bash"})", {"unreadable hook input; allowing"}},
-        {R"({"tool_name":1,"tool_input":{}})", {"unreadable hook input; allowing"}},
         {R"({"tool_name":"Bash","tool_input":"git push -f"})", {"unreadable hook input; allowing"}},
         {std::string(1 << 20, '['), {"unreadable hook input; allowing"}},
     };

@@ -6,52 +6,40 @@ namespace orvo {
 namespace {
 
 TEST(StartupTest, ReadsFlagsTheWayAgentsPassThem) {
+    using enum MCPToolset;
+    const MCPToolsets all = MCPToolsets::all();
     const struct {
         std::vector<std::string> arguments;
         const char* origin;
         std::optional<std::string> agent;
-        bool assistantOrigin;
-        bool readOnly;
-        bool hook;
+        bool assistantOrigin, readOnly, hook;
         MCPToolsets toolsets;
     } cases[] = {
-        {{"orvo"}, nullptr, std::nullopt, false, false, false, MCPToolsets::all()},
-        {{"orvo", "--agent"}, "1", std::nullopt, true, false, false, MCPToolsets::all()},
-        {{"orvo", "--agent", "--read-only"},
-         "true",
-         "--read-only",
-         false,
-         true,
-         false,
-         MCPToolsets::all()},
+        {{"orvo"}, nullptr, std::nullopt, false, false, false, all},
+        {{"orvo", "--agent"}, "1", std::nullopt, true, false, false, all},
+        {{"orvo", "--agent", "--read-only"}, "true", "--read-only", false, true, false, all},
         {{"orvo", "--agent", "claude", "--agent", "codex"},
          "01",
          "claude",
          false,
          false,
          false,
-         MCPToolsets::all()},
+         all},
         {{"orvo", "--toolsets", "voice,meetings", "--toolsets", "all"},
          "",
          std::nullopt,
          false,
          false,
          false,
-         MCPToolsets{MCPToolset::voice, MCPToolset::meetings}},
-        {{"orvo", "--read-only", "--toolsets"},
-         " 1",
-         std::nullopt,
-         false,
-         true,
-         false,
-         MCPToolsets::all()},
+         MCPToolsets{voice, meetings}},
+        {{"orvo", "--read-only", "--toolsets"}, " 1", std::nullopt, false, true, false, all},
         {{"orvo", "--unknown", "--action-hold-hook", "--READ-ONLY"},
          nullptr,
          std::nullopt,
          false,
          false,
          true,
-         MCPToolsets::all()},
+         all},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(::testing::PrintToString(c.arguments));
@@ -71,8 +59,7 @@ TEST(StartupTest, OnlyZeroSilencesTheActivityCue) {
     const struct {
         const char* value;
         bool audible;
-    } cases[] = {{nullptr, true}, {"0", false}, {"", true},   {"1", true},
-                 {"00", true},    {" 0", true}, {"0 ", true}, {"false", true}};
+    } cases[] = {{nullptr, true}, {"0", false}, {"", true}, {"00", true}, {" 0", true}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.value ? c.value : "(unset)");
         EXPECT_EQ(readStartupSettings(arguments, nullptr, c.value).audibleCue, c.audible);
