@@ -66,10 +66,7 @@ protected:
         options.arguments = std::move(arguments);
         ServerProcess server(options);
         const std::size_t before = app_->received().size();
-        server.request({{"jsonrpc", "2.0"},
-                        {"id", 1},
-                        {"method", "tools/call"},
-                        {"params", {{"name", "list_meetings"}}}});
+        server.request(toolCall(1, "list_meetings"));
         if (app_->received().size() != before + 1) {
             return "no request reached the app";
         }

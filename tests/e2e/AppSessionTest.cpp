@@ -8,13 +8,6 @@
 namespace orvo::test {
 namespace {
 
-json toolCall(const json& id, std::string_view name, const json& arguments = json::object()) {
-    return {{"jsonrpc", "2.0"},
-            {"id", id},
-            {"method", "tools/call"},
-            {"params", {{"name", name}, {"arguments", arguments}}}};
-}
-
 class AppSessionTest : public UserAppTest {
 protected:
     std::unique_ptr<ServerProcess> startServer(std::vector<std::string> arguments = {}) {

@@ -62,12 +62,7 @@ protected:
     }
 
     void send(const json& message) { server_->handleLine(dumpCompact(message)); }
-    void call(const json& id, std::string_view tool) {
-        send({{"jsonrpc", "2.0"},
-              {"id", id},
-              {"method", "tools/call"},
-              {"params", {{"name", tool}, {"arguments", json::object()}}}});
-    }
+    void call(const json& id, std::string_view tool) { send(test::toolCall(id, tool)); }
     void cancel(const json& id) {
         send({{"method", "notifications/cancelled"}, {"params", {{"requestId", id}}}});
     }

@@ -52,7 +52,6 @@ public:
     FakeApp& operator=(const FakeApp&) = delete;
 
     void on(const std::string& method, FakeReply reply);
-    void otherwise(FakeReply reply);
 
     std::vector<ReceivedRequest> received() const;
     // Waits until `count` requests have been read (not necessarily answered).
