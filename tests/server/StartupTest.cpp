@@ -6,51 +6,35 @@ namespace orvo {
 namespace {
 
 TEST(StartupTest, ReadsFlagsTheWayAgentsPassThem) {
-    using enum MCPToolset;
     const MCPToolsets all = MCPToolsets::all();
+    const MCPToolsets some{MCPToolset::voice, MCPToolset::meetings};
     const struct {
-        std::vector<std::string> arguments;
+        std::vector<std::string> flags;
         const char* origin;
-        std::optional<std::string> agent;
+        std::string agent;  // empty: none
         bool assistantOrigin, readOnly, hook;
         MCPToolsets toolsets;
     } cases[] = {
-        {{"orvo"}, nullptr, std::nullopt, false, false, false, all},
-        {{"orvo", "--agent"}, "1", std::nullopt, true, false, false, all},
-        {{"orvo", "--agent", "--read-only"}, "true", "--read-only", false, true, false, all},
-        {{"orvo", "--agent", "claude", "--agent", "codex"},
-         "01",
-         "claude",
-         false,
-         false,
-         false,
-         all},
-        {{"orvo", "--toolsets", "voice,meetings", "--toolsets", "all"},
-         "",
-         std::nullopt,
-         false,
-         false,
-         false,
-         MCPToolsets{voice, meetings}},
-        {{"orvo", "--read-only", "--toolsets"}, " 1", std::nullopt, false, true, false, all},
-        {{"orvo", "--unknown", "--action-hold-hook", "--READ-ONLY"},
-         nullptr,
-         std::nullopt,
-         false,
-         false,
-         true,
-         all},
+        {{}, nullptr, "", false, false, false, all},
+        {{"--agent"}, "1", "", true, false, false, all},
+        {{"--agent", "--read-only"}, "true", "--read-only", false, true, false, all},
+        {{"--agent", "claude", "--agent", "codex"}, "01", "claude", false, false, false, all},
+        {{"--toolsets", "voice,meetings", "--toolsets", "all"}, "", "", false, false, false, some},
+        {{"--read-only", "--toolsets"}, " 1", "", false, true, false, all},
+        {{"--unknown", "--action-hold-hook", "--READ-ONLY"}, nullptr, "", false, false, true, all},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(::testing::PrintToString(c.arguments));
-        const StartupSettings settings = readStartupSettings(c.arguments, c.origin, nullptr);
-        EXPECT_EQ(settings.agentName, c.agent);
+        SCOPED_TRACE(::testing::PrintToString(c.flags));
+        std::vector<std::string> arguments = {"orvo"};
+        arguments.insert(arguments.end(), c.flags.begin(), c.flags.end());
+        const StartupSettings settings = readStartupSettings(arguments, c.origin, nullptr);
+        EXPECT_EQ(settings.agentName.value_or(""), c.agent);
         EXPECT_EQ(settings.assistantOrigin, c.assistantOrigin);
         EXPECT_EQ(settings.selection.assistantOrigin, c.assistantOrigin);
         EXPECT_EQ(settings.selection.readOnly, c.readOnly);
         EXPECT_EQ(settings.hookMode, c.hook);
         EXPECT_EQ(settings.selection.enabled, c.toolsets);
-        EXPECT_EQ(settings.arguments, c.arguments);
+        EXPECT_EQ(settings.arguments, arguments);
     }
 }
 
