@@ -123,48 +123,32 @@ TEST(ShellCommandClassifierTest, NestedTextIsReadThreeLevelsDeep) {
     });
 }
 
-TEST(ShellCommandClassifierTest, NestedMatchesCarryTheOuterDetail) {
+// A force push names its category whatever comes first; details are kept once each, and nested
+// text is shown as the outermost command that holds it.
+TEST(ShellCommandClassifierTest, MergesByCategoryWithTheOuterDetails) {
+    const std::string push(kPush), force(kForcePush);
     const struct {
         std::string_view command;
-        std::string_view detail;
+        std::string merged;  // each match as its held text and " @ " its detail
     } cases[] = {
-        {"  ssh prod \"bash -c 'git push'\"  \n&& ls", "ssh prod \"bash -c 'git push'\""},
-        {"ls && echo 'git push' | sh && echo done", "echo 'git push' | sh"},
-        {"bash -c \"echo 'git push' | sh\"", "bash -c \"echo 'git push' | sh\""},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.command);
-        const std::vector<ActionHoldMatch> matches = classifyCommand(c.command);
-        ASSERT_EQ(matches.size(), 1u);
-        EXPECT_EQ(matches[0].detail, c.detail);
-    }
-}
-
-TEST(ShellCommandClassifierTest, MergesByCategoryInOrderOfFirstAppearance) {
-    const struct {
-        std::string_view command;
-        std::vector<ActionHoldMatch> merged;
-    } cases[] = {
-        {"git push --force origin main && git push origin dev",
-         {{ActionHoldCategory::publishing,
-           {"Force-pushing the branch", "Force-push the branch"},
-           "git push --force origin main \xC2\xB7 git push origin dev"}}},
         {"git push origin dev; git push -f origin main",
-         {{ActionHoldCategory::publishing,
-           {"Force-pushing the branch", "Force-push the branch"},
-           "git push origin dev \xC2\xB7 git push -f origin main"}}},
+         force + " @ git push origin dev \xC2\xB7 git push -f origin main"},
         {"rm -rf a && git push && rm -rf b && git push\n git push",
-         {{ActionHoldCategory::deleting, {"Deleting files", "Delete files"}, "rm -rf a · rm -rf b"},
-          {ActionHoldCategory::publishing, {"Pushing the branch", "Push the branch"}, "git push"}}},
-        {"bash -c 'git push; gh pr create'",
-         {{ActionHoldCategory::publishing,
-           {"Pushing the branch", "Push the branch"},
-           "bash -c 'git push; gh pr create'"}}},
-        {"", {}},
+         std::string(kDeleteFiles) + " @ rm -rf a \xC2\xB7 rm -rf b; " + push + " @ git push"},
+        {"  ssh prod \"bash -c 'git push'\"  \n&& ls", push + " @ ssh prod \"bash -c 'git push'\""},
+        {"ls && echo 'git push' | sh && echo done", push + " @ echo 'git push' | sh"},
+        {"bash -c \"echo 'git push' | sh; gh pr create\"",
+         push + " @ bash -c \"echo 'git push' | sh; gh pr create\""},
+        {"", ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.command);
-        EXPECT_EQ(classifyCommand(c.command), c.merged);
+        std::string merged;
+        for (const ActionHoldMatch& match : classifyCommand(c.command)) {
+            merged.append(merged.empty() ? "" : "; ").append(heldActionText({match}));
+            merged.append(" @ ").append(match.detail);
+        }
+        EXPECT_EQ(merged, c.merged);
     }
 }
 
