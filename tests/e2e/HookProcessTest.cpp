@@ -47,10 +47,7 @@ TEST_F(HookProcessTest, EachOutcomeAsTheAgentSeesIt) {
         std::string log;
     } cases[] = {
         {"allowed", successReply({{"decision", "allow"}}), "", ""},
-        {"refused", successReply({{"decision", "deny"}, {"reason", "not now"}}),
-         R"({"hookSpecificOutput":{"hookEventName":"PreToolUse","permissionDecision":"deny","permissionDecisionReason":"not now"}})"
-         "\n",
-         ""},
+        // A refusal with its reason is the documented hook's own test.
         {"failed closed", successReply({{"decision", "maybe"}}), fixedDeny,
          "orvo-agent action hold: unknown action hold decision maybe; not running it\n"},
         // Last: the app is gone from here on.

@@ -105,19 +105,6 @@ TEST(ServerSessionTest, AnswersAnUnterminatedLastLineThenExits) {
     EXPECT_EQ(server.waitForExit(), 0);
 }
 
-TEST(ServerSessionTest, ToolListIsSortedByName) {
-    ServerProcess server;
-    json tools = server.request({{"id", 1}, {"method", "tools/list"}})["result"]["tools"];
-    ASSERT_FALSE(tools.empty());
-    for (std::size_t i = 1; i < tools.size(); ++i) {
-        EXPECT_LT(tools[i - 1]["name"].get<std::string>(), tools[i]["name"].get<std::string>());
-    }
-    for (const json& tool : tools) {
-        EXPECT_FALSE(tool.contains("title"));
-        EXPECT_TRUE(tool["annotations"].contains("readOnlyHint"));
-    }
-}
-
 TEST(ServerSessionTest, VersionComesFromResourcesBesideTheRealBinary) {
     TempDir dir;
     const auto install = dir.path() / "install";
