@@ -15,11 +15,6 @@ protected:
         options.arguments = std::move(arguments);
         return std::make_unique<ServerProcess>(options);
     }
-    FakeReply held() const {
-        FakeReply reply;
-        reply.holdUntilDisconnect = true;
-        return reply;
-    }
 };
 
 TEST_F(AppSessionTest, EveryForwardedToolReachesTheAppUnchanged) {
@@ -72,8 +67,8 @@ TEST_F(AppSessionTest, RefusalsAndOddResultsReachTheAgentAsErrors) {
 // Limits, duplicates and cancellation are the server's unit tests; what only a real process
 // shows is the end of input with calls in flight: each is half-closed, none answered, exit 0.
 TEST_F(AppSessionTest, EndOfInputAbandonsTheCallsInFlightAndExits) {
-    app_->on("computer_inspect", held());
-    app_->on("computer_click", held());
+    app_->on("computer_inspect", heldReply());
+    app_->on("computer_click", heldReply());
     auto server = startServer();
     server->sendLine(dumpCompact(toolCall(1, "computer_click")));
     server->sendLine(dumpCompact(toolCall(2, "computer_inspect")));
