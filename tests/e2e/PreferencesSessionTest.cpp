@@ -174,6 +174,8 @@ TEST_F(PreferencesSessionTest, UnreadableOrUnwritablePlacesLeaveTheFileAsItWas) 
         EXPECT_EQ(resultOf(server.readLine()), c.read);
         server.sendLine(callLine(2, "remember_preference", {{"note", "new"}}));
         EXPECT_EQ(resultOf(server.readLine()), c.remember);
+        server.closeInput();
+        EXPECT_EQ(server.waitForExit(), 0);  // its last audit record written
         EXPECT_EQ(readAll(notes_), "- kept\n");
         EXPECT_TRUE(temporaries().empty());
         fs::remove_all(directory_);
