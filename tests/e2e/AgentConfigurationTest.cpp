@@ -1,7 +1,6 @@
 // The configuration in docs/agents.md, run as written: the agents' commands against the real
 // binary, and the hook fed the input Claude Code sends, its decision read as Claude Code reads it.
 #include <algorithm>
-#include <fstream>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -14,13 +13,6 @@ namespace orvo::test {
 namespace {
 
 const std::string kPlaceholder = "/path/to/orvo-agent-mcp";
-
-std::string readPage() {
-    std::ifstream file(std::filesystem::path(ORVO_SOURCE_DIR) / "docs/agents.md");
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 // The page's fenced blocks in `language`, in order.
 std::vector<std::string> codeBlocks(const std::string& page, const std::string& language) {
@@ -72,7 +64,8 @@ protected:
         }
         return app_->received().back().request["args"].value("_agent", json());
     }
-    const std::string page_ = readPage();
+    const std::string page_ =
+        readFile(std::filesystem::path(ORVO_SOURCE_DIR) / "docs/agents.md").value_or("");
 };
 
 TEST_F(AgentConfigurationTest, TheDocumentedServersTellTheAppWhichAgentCalls) {
