@@ -14,12 +14,26 @@ namespace {
 
 using namespace std::chrono_literals;
 
+// "= result", or "code message data" for an error, so that a case is one line.
+std::string outcome(const Result<json>& result) {
+    // Appended, not added: GCC 12 warns wrongly on "literal" + std::string.
+    if (result) {
+        return std::string("= ").append(dumpCompact(*result));
+    }
+    std::string text = std::to_string(result.error().code);
+    text.append(" ").append(result.error().message);
+    if (result.error().data) {
+        text.append(" ").append(dumpCompact(*result.error().data));
+    }
+    return text;
+}
+
 class AppClientTest : public ::testing::Test {
 protected:
-    AppClient client(std::optional<std::string> agent = std::nullopt, bool origin = false,
-                     std::chrono::milliseconds timeout = 30s) const {
-        return AppClient(AppClientOptions{home_.path(), std::move(agent), origin,
-                                          [timeout](std::string_view) { return timeout; }});
+    std::string call(std::chrono::milliseconds timeout = 30s) const {
+        const AppClient client(AppClientOptions{home_.path(), std::nullopt, false,
+                                                [timeout](std::string_view) { return timeout; }});
+        return outcome(client.callApp("m", json::object()));
     }
     std::filesystem::path socketPath() const { return MCPSocketPath::resolve(home_.path()); }
 
@@ -34,10 +48,14 @@ TEST_F(AppClientTest, SendsOneRequestLineWithTheAgentContextAndHalfCloses) {
     const json args = {{"id", "m-42"},         {"_agent", "spoofed"},
                        {"_origin", "x"},       {"_cancelOnDisconnect", true},
                        {"url", "https://x/y"}, {"none", nullptr}};
-
-    EXPECT_EQ(*client("claude", true).callApp("get_meeting_notes", args), json({{"notes", "a/b"}}));
-    EXPECT_EQ(*client().callApp("get_meeting_notes", args), json({{"notes", "a/b"}}));
-
+    for (const bool claude : {true, false}) {
+        const AppClient client(
+            AppClientOptions{home_.path(),
+                             claude ? std::optional<std::string>("claude") : std::nullopt,
+                             claude,
+                             {}});
+        EXPECT_EQ(outcome(client.callApp("get_meeting_notes", args)), R"(= {"notes":"a/b"})");
+    }
     const auto received = app.received();
     ASSERT_EQ(received.size(), 2u);
     EXPECT_EQ(received[0].line,
@@ -49,123 +67,63 @@ TEST_F(AppClientTest, SendsOneRequestLineWithTheAgentContextAndHalfCloses) {
     EXPECT_TRUE(received[0].halfClosed);
 }
 
-TEST_F(AppClientTest, MapsEveryAppErrorCodeAndKeepsTheCodeInData) {
-    const struct {
-        std::string code;
-        int rpcCode;
-    } cases[] = {
-        {"validation_failed", -32602},
-        {"slot_budget_full", -32011},
-        {"consent_pending_timeout", -32013},
-        {"consent_denied", -32012},
-        {"refused", -32016},
-        {"target_changed", -32017},
-        {"app_not_running", -32001},
-        {"too_many_requests", -32014},
-        {"peer_not_permitted", -32015},
-        {"internal_error", -32603},
-        {"no_such_code", -32603},
-    };
-    test::FakeApp app(socketPath());
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.code);
-        app.on("m", test::errorReply(c.code, "Denied", json{{"code", "x"}, {"n", 1}}));
-        Result<json> outcome = client().callApp("m", json::object());
-        ASSERT_FALSE(outcome);
-        const std::string expectedCode = c.code == "no_such_code" ? "internal_error" : c.code;
-        EXPECT_EQ(outcome.error(),
-                  (RPCError{c.rpcCode, "Denied", json{{"code", expectedCode}, {"n", 1}}}));
-    }
-}
-
 TEST_F(AppClientTest, ReadsEveryReplyShape) {
-    const struct {
-        std::string name;
-        std::string reply;
-        Result<json> outcome;
-    } cases[] = {
-        {"no result", "{\"ok\":true}", json::object()},
-        {"result without line feed", R"({"ok":true,"result":[1]})", json::array({1})},
-        {"ok as a string", R"({"ok":"true","result":1})",
-         RPCError{-32002, "Malformed response from Orvo: error response missing 'error' object",
-                  std::nullopt}},
-        {"closed at once", "",
-         RPCError{-32002, "Malformed response from Orvo: response was not a JSON object",
-                  std::nullopt}},
-        {"not an object", "[1]\n",
-         RPCError{-32002, "Malformed response from Orvo: response was not a JSON object",
-                  std::nullopt}},
-        {"error without message or code", R"({"ok":false,"error":{}})",
-         RPCError{-32603, "Unknown error", json{{"code", "internal_error"}}}},
-        {"data that is not an object",
-         R"({"ok":false,"error":{"code":"refused","message":"no","data":[1]}})",
-         RPCError{-32016, "no", json{{"code", "refused"}}}},
-    };
-    test::FakeApp app(socketPath());
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        app.on("m", test::FakeReply{c.reply});
-        Result<json> outcome = client().callApp("m", json::object());
-        ASSERT_EQ(outcome.has_value(), c.outcome.has_value());
-        if (outcome) {
-            EXPECT_EQ(*outcome, *c.outcome);
-        } else {
-            EXPECT_EQ(outcome.error(), c.outcome.error());
-        }
-    }
-}
-
-TEST_F(AppClientTest, AcceptsAReplyOfExactlyOneMebibyte) {
-    test::FakeApp app(socketPath());
     const std::string head = R"({"ok":true,"result":")";
     const std::string tail = "\"}\n";
-    const std::string exact =
+    const std::string mebibyte =
         head + std::string(kMaxReplyBytes - head.size() - tail.size(), 'x') + tail;
-    ASSERT_EQ(exact.size(), kMaxReplyBytes);
-    app.on("exact", test::FakeReply{exact});
-    app.on("over", test::FakeReply{exact + " "});
-    Result<json> accepted = client().callApp("exact", json::object());
-    ASSERT_TRUE(accepted);
-    EXPECT_EQ(accepted->get<std::string>().size(), kMaxReplyBytes - head.size() - tail.size());
-    Result<json> refused = client().callApp("over", json::object());
-    ASSERT_FALSE(refused);
-    EXPECT_EQ(refused.error(), (RPCError{-32000, "response too large (>1 MiB)", std::nullopt}));
+    const struct {
+        std::string reply;
+        std::string outcome;
+    } cases[] = {
+        {"{\"ok\":true}", "= {}"},
+        {R"({"ok":true,"result":[1]})", "= [1]"},  // no line feed
+        {R"({"ok":"true","result":1})",
+         "-32002 Malformed response from Orvo: error response missing 'error' object"},
+        {"", "-32002 Malformed response from Orvo: response was not a JSON object"},
+        {"[1]\n", "-32002 Malformed response from Orvo: response was not a JSON object"},
+        {R"({"ok":false,"error":{}})", R"(-32603 Unknown error {"code":"internal_error"})"},
+        {R"({"ok":false,"error":{"code":"refused","message":"no","data":[1]}})",
+         R"(-32016 no {"code":"refused"})"},
+        // The app's code, not a stray "code" in its data, reaches the agent; an unknown one is
+        // an internal error.
+        {R"({"ok":false,"error":{"code":"consent_denied","message":"No","data":{"code":"x"}}})",
+         R"(-32012 No {"code":"consent_denied"})"},
+        {R"({"ok":false,"error":{"code":"no_such_code","message":"No","data":{"n":1}}})",
+         R"(-32603 No {"code":"internal_error","n":1})"},
+        {mebibyte, "= \"" + std::string(kMaxReplyBytes - head.size() - tail.size(), 'x') + "\""},
+        {mebibyte + " ", "-32000 response too large (>1 MiB)"},
+    };
+    test::FakeApp app(socketPath());
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.reply.substr(0, 80));
+        app.on("m", test::FakeReply{c.reply});
+        EXPECT_EQ(call(), c.outcome);
+    }
 }
 
 TEST_F(AppClientTest, ReportsTheAppMissingOrSilent) {
-    const RPCError notRunning{-32001, "Orvo app is not running \u2014 open the app and try again.",
-                              std::nullopt};
-    Result<json> missing = client().callApp("m", json::object());
-    ASSERT_FALSE(missing);
-    EXPECT_EQ(missing.error(), notRunning);
-
+    const std::string notRunning =
+        "-32001 Orvo app is not running \u2014 open the app and try again.";
+    EXPECT_EQ(call(), notRunning);
     {
         test::FakeApp app(socketPath());
         test::FakeReply late = test::successReply(json::object());
         late.delay = 400ms;
         app.on("m", late);
-        Result<json> outcome = client(std::nullopt, false, 100ms).callApp("m", json::object());
-        ASSERT_FALSE(outcome);
-        EXPECT_EQ(outcome.error(),
-                  (RPCError{-32013,
-                            "Orvo did not answer in time. The request may still be waiting for "
-                            "the user; check the screen before retrying.",
-                            std::nullopt}));
+        EXPECT_EQ(call(100ms),
+                  "-32013 Orvo did not answer in time. The request may still be waiting for the "
+                  "user; check the screen before retrying.");
     }
     // The socket file is left behind by an app that quit: nobody listens there.
     test::writeFile(socketPath(), "");
-    Result<json> stale = client().callApp("m", json::object());
-    ASSERT_FALSE(stale);
-    EXPECT_EQ(stale.error(), notRunning);
+    EXPECT_EQ(call(), notRunning);
 }
 
 TEST_F(AppClientTest, RefusesAPathTooLongForTheSocketAddress) {
-    test::TempDir base;
-    const auto home = base.path() / std::string(80, 'h');
-    AppClient longHome(AppClientOptions{home, std::nullopt, false, {}});
-    Result<json> outcome = longHome.callApp("m", json::object());
-    ASSERT_FALSE(outcome);
-    EXPECT_EQ(outcome.error(), (RPCError{-32000, "socket path too long", std::nullopt}));
+    const AppClient client(
+        AppClientOptions{home_.path() / std::string(80, 'h'), std::nullopt, false, {}});
+    EXPECT_EQ(outcome(client.callApp("m", json::object())), "-32000 socket path too long");
 }
 
 TEST_F(AppClientTest, RefusesAnAppRunningAsAnotherUser) {
@@ -181,13 +139,9 @@ TEST_F(AppClientTest, RefusesAnAppRunningAsAnotherUser) {
         std::filesystem::permissions(path, std::filesystem::perms::all);
     }
     test::FakeApp app(socketPath(), std::pair{other->uid, other->gid});
-    Result<json> outcome = client().callApp("m", json::object());
-    ASSERT_FALSE(outcome);
-    EXPECT_EQ(outcome.error(),
-              (RPCError{-32015,
-                        "Refusing to talk to MCP server: peer uid " + std::to_string(other->uid) +
-                            " does not match this user's uid " + std::to_string(::getuid()) + ".",
-                        std::nullopt}));
+    EXPECT_EQ(call(), "-32015 Refusing to talk to MCP server: peer uid " +
+                          std::to_string(other->uid) + " does not match this user's uid " +
+                          std::to_string(::getuid()) + ".");
     EXPECT_TRUE(app.waitForFinished(1));
     EXPECT_EQ(app.received()[0].line, "");  // closed without writing
 }

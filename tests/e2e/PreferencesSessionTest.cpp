@@ -8,10 +8,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "protocol/MCPSocketPath.h"
-#include "support/FakeApp.h"
-#include "support/ServerProcess.h"
-#include "support/ThrowawayUser.h"
+#include "support/UserAppTest.h"
 
 namespace orvo::test {
 namespace {
@@ -23,59 +20,70 @@ std::string readAll(const fs::path& path) {
 }
 
 std::string callLine(int id, std::string_view tool, const json& arguments = json::object()) {
-    return dumpCompact({{"jsonrpc", "2.0"},
-                        {"id", id},
-                        {"method", "tools/call"},
-                        {"params", {{"name", tool}, {"arguments", arguments}}}});
+    return dumpCompact(toolCall(id, tool, arguments));
+}
+
+// The tool's result object from a response line, or null.
+json resultOf(const std::optional<std::string>& line) {
+    const json response = json::parse(line.value_or(""), nullptr, false);
+    const json* result = response.is_object() ? member(response, "result") : nullptr;
+    if (result == nullptr) {
+        return nullptr;
+    }
+    return json::parse((*result)["content"][0]["text"].get<std::string>(), nullptr, false);
 }
 
 bool isOk(const json& result) {
     return result.is_object() && result.value("ok", false);
 }
 
-// The tool's result object from a response line, or null.
-json resultOf(const std::optional<std::string>& line) {
-    if (!line) {
-        return nullptr;
-    }
-    const json response = json::parse(*line, nullptr, false);
-    const json* text = response.is_object() ? member(response, "result") : nullptr;
-    if (text == nullptr) {
-        return nullptr;
-    }
-    return json::parse((*text)["content"][0]["text"].get<std::string>(), nullptr, false);
+// A note of the form "p<process>-n<number> xxx…", long enough that a torn write shows.
+std::string noteText(int process, int number) {
+    std::string text = "p";  // appended, not added: GCC 12 warns wrongly on "p" + to_string(…)
+    text.append(std::to_string(process)).append("-n").append(std::to_string(number));
+    return text.append(" ").append(100, 'x');
 }
 
-std::vector<fs::path> temporaries(const fs::path& directory) {
-    std::vector<fs::path> found;
-    for (const auto& entry : fs::directory_iterator(directory)) {
-        if (entry.path().filename().string().starts_with(".preferences.md.tmp-")) {
-            found.push_back(entry.path());
+// Every line a whole note, and none twice.
+std::vector<std::pair<int, int>> parseNotes(const std::string& text) {
+    EXPECT_TRUE(text.empty() || text.back() == '\n') << "the file ends inside a line";
+    const std::regex note(R"(- p(\d+)-n(\d+) x{100})");
+    std::vector<std::pair<int, int>> notes;
+    std::set<std::pair<int, int>> seen;
+    for (const std::string& line : splitLines(text)) {
+        std::smatch match;
+        if (!std::regex_match(line, match, note)) {
+            ADD_FAILURE() << "torn or foreign line: " << line.substr(0, 120);
+            continue;
         }
+        notes.emplace_back(std::stoi(match[1]), std::stoi(match[2]));
+        EXPECT_TRUE(seen.insert(notes.back()).second) << "note appears twice";
     }
-    return found;
+    return notes;
 }
 
-class PreferencesSessionTest : public ::testing::Test {
+class PreferencesSessionTest : public UserAppTest {
 protected:
     void SetUp() override {
-        std::string whyNot;
-        user_ = ThrowawayUser::get(whyNot);
-        if (user_ == nullptr) {
-            GTEST_SKIP() << whyNot;
+        UserAppTest::SetUp();
+        if (!IsSkipped()) {
+            directory_ = user_->home / ".config" / "orvo-agent";
+            notes_ = directory_ / "preferences.md";
         }
-        user_->resetHome();
-        directory_ = user_->home / ".config" / "orvo-agent";
-        notes_ = directory_ / "preferences.md";
     }
-    ProcessOptions asUser() const {
-        ProcessOptions options;
-        options.uid = user_->uid;
-        options.gid = user_->gid;
-        return options;
+    std::vector<fs::path> temporaries() const {
+        std::vector<fs::path> found;
+        for (const auto& entry : fs::directory_iterator(directory_)) {
+            if (entry.path().filename().string().starts_with(".preferences.md.tmp-")) {
+                found.push_back(entry.path());
+            }
+        }
+        return found;
+    }
+    std::vector<std::string> auditRecords() const {
+        return splitLines(readAll(directory_ / "mcp-context-reads.jsonl"));
     }
 
-    const ThrowawayUser* user_ = nullptr;
     fs::path directory_;
     fs::path notes_;
 };
@@ -84,7 +92,7 @@ TEST_F(PreferencesSessionTest, EveryCallAnsweredBeforeEndOfInputIsInTheAuditLog)
     ServerProcess server(asUser());
     server.sendLine(callLine(1, "remember_preference", {{"note", "signs emails \"J\"\r\n"}}));
     server.sendLine(callLine(2, "remember_preference", {{"note", " "}}));
-    for (int id = 3; id < 400; ++id) {
+    for (int id = 3; id < 60; ++id) {
         server.sendLine(callLine(id, "read_preferences"));
     }
     server.closeInput();
@@ -93,41 +101,20 @@ TEST_F(PreferencesSessionTest, EveryCallAnsweredBeforeEndOfInputIsInTheAuditLog)
               json({{"error", "note must be non-empty after trimming"}}));
     // Every answer is read, so that a full pipe cannot hold the server; records may still be
     // queued when the last one is written.
-    for (int id = 3; id < 400; ++id) {
+    for (int id = 3; id < 60; ++id) {
         EXPECT_EQ(resultOf(server.readLine()),
                   json({{"content", "- signs emails \"J\"\n"}, {"char_count", 19}}));
     }
     ASSERT_EQ(server.waitForExit(), 0);
     EXPECT_EQ(server.standardError(), "");
 
-    const std::vector<std::string> records =
-        splitLines(readAll(directory_ / "mcp-context-reads.jsonl"));
-    ASSERT_EQ(records.size(), 399u);
-    const std::regex shape(
-        R"(\{"ts":"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z","tool":"[a-z_]+","result":.*\})");
-    for (const std::string& record : records) {
-        EXPECT_TRUE(std::regex_match(record, shape)) << record;
-    }
-    const auto withoutTime = [](const std::string& record) {
-        json parsed = json::parse(record);
-        parsed.erase("ts");
-        return parsed;
-    };
-    EXPECT_EQ(withoutTime(records[0]),
-              json({{"tool", "remember_preference"}, {"result", "ok"}, {"output_bytes", 19}}));
-    EXPECT_EQ(withoutTime(records[1]),
-              json({{"tool", "remember_preference"},
-                    {"result", "error: note must be non-empty after trimming"}}));
-    EXPECT_EQ(withoutTime(records[398]),
-              json({{"tool", "read_preferences"}, {"result", "ok"}, {"output_bytes", 19}}));
+    // What each record holds is the audit log's own test.
+    EXPECT_EQ(auditRecords().size(), 59u);
 }
 
 TEST_F(PreferencesSessionTest, ABurstOfReadsCuesTheAppOnceUnlessSilenced) {
     for (const bool silenced : {true, false}) {
         SCOPED_TRACE(silenced ? "ORVO_MCP_AUDIBLE=0" : "ORVO_MCP_AUDIBLE unset");
-        // The app listens in a directory of the user's own, as the real one does.
-        user_->writeHomeFile("Library/Application Support/orvo-agent/.keep", "");
-        FakeApp app(MCPSocketPath::resolve(user_->home), std::pair{user_->uid, user_->gid});
         ProcessOptions options = asUser();
         options.arguments = {"--agent", "claude"};
         if (silenced) {
@@ -138,9 +125,9 @@ TEST_F(PreferencesSessionTest, ABurstOfReadsCuesTheAppOnceUnlessSilenced) {
             server.sendLine(callLine(id, "read_preferences"));
             EXPECT_EQ(resultOf(server.readLine()), json({{"content", ""}, {"char_count", 0}}));
         }
-        app.waitForRequests(1, std::chrono::seconds(silenced ? 1 : 10));
+        app_->waitForRequests(1, std::chrono::seconds(silenced ? 1 : 10));
         std::this_thread::sleep_for(std::chrono::milliseconds(300));
-        const std::vector<ReceivedRequest> received = app.received();
+        const std::vector<ReceivedRequest> received = app_->received();
         ASSERT_EQ(received.size(), silenced ? 0u : 1u);
         if (!silenced) {
             EXPECT_EQ(received[0].line,
@@ -148,96 +135,56 @@ TEST_F(PreferencesSessionTest, ABurstOfReadsCuesTheAppOnceUnlessSilenced) {
         }
         server.closeInput();
         EXPECT_EQ(server.waitForExit(), 0);
-        EXPECT_EQ(splitLines(readAll(directory_ / "mcp-context-reads.jsonl")).size(),
-                  silenced ? 3u : 6u);
+        EXPECT_EQ(auditRecords().size(), silenced ? 3u : 6u);
     }
 }
 
+// Root ignores permissions, so only a process of the throwaway user meets these refusals.
 TEST_F(PreferencesSessionTest, UnreadableOrUnwritablePlacesLeaveTheFileAsItWas) {
-    const std::string readFix =
-        "Open ~/.config/orvo-agent/preferences.md, fix permissions or contents, then retry.";
     const auto rootOwned = [](const fs::path& path, fs::perms mode) {
         ASSERT_EQ(::chown(path.c_str(), 0, 0), 0);
         fs::permissions(path, mode);
     };
     const struct {
-        std::string name;
-        std::function<void()> plant;
+        fs::path rootOwns;
+        fs::perms mode;
         json read;
         json remember;
     } cases[] = {
-        {"notes only root may read",
-         [&] {
-             user_->writeHomeFile(".config/orvo-agent/preferences.md", "- secret\n");
-             rootOwned(notes_, fs::perms::owner_read | fs::perms::owner_write);
-         },
+        {notes_,
+         fs::perms::owner_read | fs::perms::owner_write,
          {{"error", "could not read preferences"}, {"details", "Permission denied (errno 13)"}},
          {{"error", "could not read existing preferences"},
           {"details", "Permission denied (errno 13)"},
-          {"fix", readFix}}},
-        {"a directory only root may write",
-         [&] {
-             user_->writeHomeFile(".config/orvo-agent/preferences.md", "- kept\n");
-             rootOwned(directory_, fs::perms(0755));
-         },
+          {"fix",
+           "Open ~/.config/orvo-agent/preferences.md, fix permissions or contents, then retry."}}},
+        {directory_,
+         fs::perms(0755),
          {{"content", "- kept\n"}, {"char_count", 7}},
          {{"error", "could not write preferences"},
           {"details",
            "creating a temporary file beside preferences.md: Permission denied (errno 13)"}}},
-        {"no directory, and no right to make one",
-         [&] {
-             fs::create_directories(user_->home / ".config");
-             rootOwned(user_->home / ".config", fs::perms(0755));
-         },
-         {{"content", ""}, {"char_count", 0}},
-         {{"error", "could not write preferences"},
-          {"details", "creating " + directory_.string() + ": Permission denied (errno 13)"}}},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        user_->resetHome();
-        c.plant();
-        const std::string before = readAll(notes_);
+        SCOPED_TRACE(c.rootOwns);
+        user_->writeHomeFile(".config/orvo-agent/preferences.md", "- kept\n");
+        rootOwned(c.rootOwns, c.mode);
         ServerProcess server(asUser());
         server.sendLine(callLine(1, "read_preferences"));
         EXPECT_EQ(resultOf(server.readLine()), c.read);
         server.sendLine(callLine(2, "remember_preference", {{"note", "new"}}));
         EXPECT_EQ(resultOf(server.readLine()), c.remember);
-        EXPECT_EQ(readAll(notes_), before);
-        if (fs::exists(directory_)) {
-            EXPECT_TRUE(temporaries(directory_).empty());
-        }
+        server.closeInput();
+        EXPECT_EQ(server.waitForExit(), 0);  // its last audit record written
+        EXPECT_EQ(readAll(notes_), "- kept\n");
+        EXPECT_TRUE(temporaries().empty());
+        fs::remove_all(directory_);
     }
-}
-
-// Every line a whole note of the form "- p<process>-n<number> ..." and none twice.
-std::vector<std::pair<int, int>> parseNotes(const std::string& text) {
-    std::vector<std::pair<int, int>> notes;
-    EXPECT_TRUE(text.empty() || text.back() == '\n') << "the file ends inside a line";
-    const std::regex note(R"(- p(\d+)-n(\d+) x{100})");
-    std::set<std::pair<int, int>> seen;
-    for (const std::string& line : splitLines(text)) {
-        std::smatch match;
-        if (!std::regex_match(line, match, note)) {
-            ADD_FAILURE() << "torn or foreign line: " << line.substr(0, 120);
-            continue;
-        }
-        const std::pair<int, int> id{std::stoi(match[1]), std::stoi(match[2])};
-        EXPECT_TRUE(seen.insert(id).second) << "note appears twice";
-        notes.push_back(id);
-    }
-    return notes;
-}
-
-std::string noteText(int process, int number) {
-    std::string text = "p";
-    text.append(std::to_string(process)).append("-n").append(std::to_string(number));
-    return text.append(" ").append(100, 'x');
 }
 
 TEST_F(PreferencesSessionTest, ConcurrentServersLoseAtMostWholeNotesNeverTheFile) {
-    constexpr int kServers = 4;
-    constexpr int kNotesEach = 20;
+    constexpr int kServers = 3;
+    constexpr int kNotesEach = 10;
     std::vector<std::unique_ptr<ServerProcess>> servers;
     for (int p = 0; p < kServers; ++p) {
         servers.push_back(std::make_unique<ServerProcess>(asUser()));
@@ -251,23 +198,14 @@ TEST_F(PreferencesSessionTest, ConcurrentServersLoseAtMostWholeNotesNeverTheFile
     }
     for (auto& server : servers) {
         for (int n = 0; n < kNotesEach; ++n) {
-            EXPECT_EQ(isOk(resultOf(server->readLine())), true);
+            EXPECT_TRUE(isOk(resultOf(server->readLine())));
         }
         server->closeInput();
         EXPECT_EQ(server->waitForExit(), 0);
     }
-    const std::vector<std::pair<int, int>> notes = parseNotes(readAll(notes_));
-    ASSERT_FALSE(notes.empty());
-    std::vector<int> lastOf(kServers, -1);
-    for (const auto& [process, number] : notes) {
-        EXPECT_GT(number, lastOf[static_cast<std::size_t>(process)])
-            << "a process's notes reordered";
-        lastOf[static_cast<std::size_t>(process)] = number;
-    }
-    RecordProperty("notesKept", static_cast<int>(notes.size()));
-    EXPECT_TRUE(temporaries(directory_).empty());
-    const std::vector<std::string> records =
-        splitLines(readAll(directory_ / "mcp-context-reads.jsonl"));
+    EXPECT_FALSE(parseNotes(readAll(notes_)).empty());
+    EXPECT_TRUE(temporaries().empty());
+    const std::vector<std::string> records = auditRecords();
     EXPECT_EQ(records.size(), static_cast<std::size_t>(kServers * kNotesEach));
     for (const std::string& record : records) {
         EXPECT_FALSE(json::parse(record, nullptr, false).is_discarded()) << record;
@@ -275,20 +213,21 @@ TEST_F(PreferencesSessionTest, ConcurrentServersLoseAtMostWholeNotesNeverTheFile
 }
 
 TEST_F(PreferencesSessionTest, KilledServersLeaveOneWholeVersionAndNoLastingLitter) {
-    constexpr int kRounds = 30;
-    constexpr int kNotesEach = 8;
     std::mt19937 random(20261121);
-    std::uniform_int_distribution<int> delayMicroseconds(0, 20000);
+    std::uniform_int_distribution<int> delayMicroseconds(0, 5000);
     std::string expected;  // everything acknowledged so far
-    for (int round = 0; round < kRounds; ++round) {
+    for (int round = 0; round < 12; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
         ServerProcess server(asUser());
-        for (int n = 0; n < kNotesEach; ++n) {
+        for (int n = 0; n < 8; ++n) {
             server.sendLine(callLine(n, "remember_preference", {{"note", noteText(round, n)}}));
         }
+        // Once the first note is in, the kill lands somewhere among the other appends, however
+        // slowly this build starts.
+        ASSERT_TRUE(isOk(resultOf(server.readLine())));
         std::this_thread::sleep_for(std::chrono::microseconds(delayMicroseconds(random)));
         server.kill();
-        int acknowledged = 0;
+        std::size_t acknowledged = 1;
         while (isOk(resultOf(server.readLine(std::chrono::milliseconds(50))))) {
             ++acknowledged;
         }
@@ -297,16 +236,14 @@ TEST_F(PreferencesSessionTest, KilledServersLeaveOneWholeVersionAndNoLastingLitt
         const std::string text = readAll(notes_);
         ASSERT_TRUE(text.starts_with(expected)) << "an earlier version was lost or torn";
         const std::vector<std::pair<int, int>> added = parseNotes(text.substr(expected.size()));
-        ASSERT_GE(added.size(), static_cast<std::size_t>(acknowledged));
+        ASSERT_GE(added.size(), acknowledged);
         for (std::size_t i = 0; i < added.size(); ++i) {
             EXPECT_EQ(added[i], std::pair(round, static_cast<int>(i)));
         }
         expected = text;
     }
     // Litter from killed writes never shows in a read, and the next write clears what is stale.
-    const std::vector<fs::path> litter = temporaries(directory_);
-    RecordProperty("temporariesLeftByKills", static_cast<int>(litter.size()));
-    for (const fs::path& path : litter) {
+    for (const fs::path& path : temporaries()) {
         fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::minutes(2));
     }
     ServerProcess server(asUser());
@@ -314,7 +251,7 @@ TEST_F(PreferencesSessionTest, KilledServersLeaveOneWholeVersionAndNoLastingLitt
     EXPECT_EQ(resultOf(server.readLine())["content"], expected);
     server.sendLine(callLine(2, "remember_preference", {{"note", noteText(99, 0)}}));
     EXPECT_TRUE(isOk(resultOf(server.readLine())));
-    EXPECT_TRUE(temporaries(directory_).empty());
+    EXPECT_TRUE(temporaries().empty());
     EXPECT_EQ(readAll(notes_), expected + "- " + noteText(99, 0) + "\n");
 }
 

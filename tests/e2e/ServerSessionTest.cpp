@@ -3,8 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/ServerProcess.h"
-#include "support/ThrowawayUser.h"
+#include "server/Startup.h"
 #include "support/UserAppTest.h"
 #include "tools/ToolCatalog.h"
 #include "tools/ToolRegistry.h"
@@ -21,48 +20,42 @@ std::string nested(int depth) {
     return text;
 }
 
+// An error response line as the server writes it, keys sorted.
+std::string errorLine(std::string_view id, int code, std::string_view message) {
+    return R"({"error":{"code":)" + std::to_string(code) + R"(,"message":")" +
+           std::string(message) + R"("},"id":)" + std::string(id) + R"(,"jsonrpc":"2.0"})";
+}
+
 TEST(ServerSessionTest, AnswersEachLineWithTheExactResponse) {
+    std::string deepest = nested(32);
+    deepest.insert(1, R"("id":1,"method":"ping",)");
     const struct {
         std::string request;
         std::string response;
     } cases[] = {
         {R"({"jsonrpc":"2.0","id":1,"method":"ping"})", R"({"id":1,"jsonrpc":"2.0","result":{}})"},
-        {R"({"id":"a/b","method":"ping","params":[1]})",
-         R"({"id":"a/b","jsonrpc":"2.0","result":{}})"},
+        {R"({"id":"é✓🙂","method":"ping","params":[1]})",
+         R"({"id":"é✓🙂","jsonrpc":"2.0","result":{}})"},
+        {deepest + "\r", R"({"id":1,"jsonrpc":"2.0","result":{}})"},
         {R"({"id":null,"method":"resources/list"})",
          R"({"id":null,"jsonrpc":"2.0","result":{"resources":[]}})"},
         {R"({"id":2,"method":"resources/templates/list"})",
          R"({"id":2,"jsonrpc":"2.0","result":{"resourceTemplates":[]}})"},
-        {R"({"id":3,"method":"nope"})",
-         R"({"error":{"code":-32601,"message":"Method not found: nope"},"id":3,"jsonrpc":"2.0"})"},
-        {R"({"id":4,"method":7})",
-         R"({"error":{"code":-32601,"message":"Method not found: "},"id":4,"jsonrpc":"2.0"})"},
-        {"not json",
-         R"({"error":{"code":-32700,"message":"Parse error"},"id":null,"jsonrpc":"2.0"})"},
-        {"[1,2]", R"({"error":{"code":-32700,"message":"Parse error"},"id":null,"jsonrpc":"2.0"})"},
-        {"42", R"({"error":{"code":-32700,"message":"Parse error"},"id":null,"jsonrpc":"2.0"})"},
-        {R"({"id":5,"method":"ping"} trailing)",
-         R"({"error":{"code":-32700,"message":"Parse error"},"id":null,"jsonrpc":"2.0"})"},
-        {nested(33),
-         R"({"error":{"code":-32600,"message":"Request exceeds max depth"},"id":null,"jsonrpc":"2.0"})"},
+        {R"({"id":3,"method":"nope"})", errorLine("3", -32601, "Method not found: nope")},
+        {R"({"id":4,"method":7})", errorLine("4", -32601, "Method not found: ")},
+        {"not json", errorLine("null", -32700, "Parse error")},
+        {R"({"id":5,"method":"ping"} trailing)", errorLine("null", -32700, "Parse error")},
+        {nested(33), errorLine("null", -32600, "Request exceeds max depth")},
         {R"({"id":6,"method":"tools/call","params":{"arguments":{}}})",
-         R"({"error":{"code":-32602,"message":"Missing 'name' in tools/call"},"id":6,"jsonrpc":"2.0"})"},
+         errorLine("6", -32602, "Missing 'name' in tools/call")},
         {R"({"id":7,"method":"tools/call","params":{"name":"nope"}})",
-         R"({"error":{"code":-32602,"message":"Unknown tool: nope"},"id":7,"jsonrpc":"2.0"})"},
+         errorLine("7", -32602, "Unknown tool: nope")},
         {R"({"id":8,"method":"prompts/get","params":{}})",
-         R"({"error":{"code":-32602,"message":"Missing 'name' in prompts/get"},"id":8,"jsonrpc":"2.0"})"},
-        {R"({"id":9,"method":"prompts/get","params":{"name":"speak_every_reply"}})",
-         R"({"id":9,"jsonrpc":"2.0","result":{"description":"Speak every assistant reply for this session until you say “stop speaking.”","messages":[{"content":{"text":"For this session, use the Orvo MCP `speak` tool on every assistant turn until I explicitly say “stop speaking.”","type":"text"},"role":"user"}]}})"},
-        {R"({"id":11,"method":"prompts/get","params":{"name":"speak_every_reply","arguments":{"x":1}}})",
-         R"({"error":{"code":-32602,"message":"speak_every_reply takes no arguments"},"id":11,"jsonrpc":"2.0"})"},
-        {R"({"id":12,"method":"prompts/get","params":{"name":"speak_every_reply","arguments":[]}})",
-         R"({"error":{"code":-32602,"message":"speak_every_reply takes no arguments"},"id":12,"jsonrpc":"2.0"})"},
-        {R"({"id":13,"method":"prompts/get","params":{"name":"other"}})",
-         R"({"error":{"code":-32602,"message":"Unknown prompt: other"},"id":13,"jsonrpc":"2.0"})"},
-        {R"({"id":14,"method":"prompts/get","params":{"name":"speak_every_reply","arguments":{}}})",
-         R"({"id":14,"jsonrpc":"2.0","result":{"description":"Speak every assistant reply for this session until you say “stop speaking.”","messages":[{"content":{"text":"For this session, use the Orvo MCP `speak` tool on every assistant turn until I explicitly say “stop speaking.”","type":"text"},"role":"user"}]}})"},
-        {R"({"id":10,"method":"prompts/list"})",
-         R"({"id":10,"jsonrpc":"2.0","result":{"prompts":[{"arguments":[],"description":"Speak every assistant reply for this session until you say “stop speaking.”","name":"speak_every_reply"}]}})"},
+         errorLine("8", -32602, "Missing 'name' in prompts/get")},
+        {R"({"id":9,"method":"prompts/get","params":{"name":"speak_every_reply","arguments":[]}})",
+         errorLine("9", -32602, "speak_every_reply takes no arguments")},
+        {R"({"id":10,"method":"prompts/get","params":{"name":"other"}})",
+         errorLine("10", -32602, "Unknown prompt: other")},
     };
     ServerProcess server;
     for (const auto& c : cases) {
@@ -72,16 +65,6 @@ TEST(ServerSessionTest, AnswersEachLineWithTheExactResponse) {
     }
     server.closeInput();
     EXPECT_EQ(server.waitForExit(), 0);
-}
-
-TEST(ServerSessionTest, AcceptsDepthThirtyTwoWithCarriageReturnAndUnicode) {
-    ServerProcess server;
-    std::string deep = nested(32);
-    deep.insert(1, R"("id":1,"method":"ping",)");
-    server.sendLine(deep + "\r");
-    EXPECT_EQ(server.readLine(), R"({"id":1,"jsonrpc":"2.0","result":{}})");
-    server.sendLine(R"({"id":"é✓🙂","method":"ping"})");
-    EXPECT_EQ(server.readLine(), R"({"id":"é✓🙂","jsonrpc":"2.0","result":{}})");
 }
 
 TEST(ServerSessionTest, NotificationsAndUndecodableLinesGetNoAnswer) {
@@ -96,23 +79,6 @@ TEST(ServerSessionTest, NotificationsAndUndecodableLinesGetNoAnswer) {
     EXPECT_EQ(server.waitForExit(), 0);
     EXPECT_EQ(server.readLine(100ms), std::nullopt);
     EXPECT_EQ(server.standardError(), "");
-}
-
-TEST(ServerSessionTest, HostileLinesNeitherCrashNorHang) {
-    const std::size_t kMiB = 1048576;
-    std::string objects;
-    while (objects.size() + 5 <= kMiB) {
-        objects += "{\"a\":";
-    }
-    const std::string cases[] = {std::string(kMiB, '['), objects, std::string(kMiB - 1, '[') + "]"};
-    ServerProcess server;
-    for (const std::string& line : cases) {
-        server.sendLine(line);
-        EXPECT_EQ(server.readLine(),
-                  R"({"error":{"code":-32700,"message":"Parse error"},"id":null,"jsonrpc":"2.0"})");
-    }
-    server.sendLine(R"({"id":1,"method":"ping"})");
-    EXPECT_EQ(server.readLine(), R"({"id":1,"jsonrpc":"2.0","result":{}})");
 }
 
 TEST(ServerSessionTest, DropsAnOversizeLineWithOneDiagnosticAndGoesOn) {
@@ -139,67 +105,6 @@ TEST(ServerSessionTest, AnswersAnUnterminatedLastLineThenExits) {
     EXPECT_EQ(server.waitForExit(), 0);
 }
 
-TEST(ServerSessionTest, ToolListIsSortedAndTheSameOnEveryRun) {
-    std::string first;
-    for (int run = 0; run < 2; ++run) {
-        ServerProcess server;
-        server.sendLine(R"({"id":1,"method":"tools/list"})");
-        std::optional<std::string> line = server.readLine();
-        ASSERT_TRUE(line);
-        if (run == 0) {
-            first = *line;
-            continue;
-        }
-        EXPECT_EQ(*line, first);
-    }
-    json tools = json::parse(first)["result"]["tools"];
-    ASSERT_FALSE(tools.empty());
-    for (std::size_t i = 1; i < tools.size(); ++i) {
-        EXPECT_LT(tools[i - 1]["name"].get<std::string>(), tools[i]["name"].get<std::string>());
-    }
-    for (const json& tool : tools) {
-        EXPECT_FALSE(tool.contains("title"));
-        EXPECT_TRUE(tool["annotations"].contains("readOnlyHint"));
-    }
-}
-
-// The process must arrive at the selection its flags and environment name; which tools that
-// selection offers is the registry's own test.
-TEST(ServerSessionTest, SelectsToolsFromFlagsAndEnvironment) {
-    using enum MCPToolset;
-    // What the flags and the environment must come to; the registry's own tests pin what each
-    // selection offers, so this holds as tool families are added.
-    const struct {
-        std::vector<std::string> arguments;
-        std::string origin;
-        ToolSelection selection;
-    } cases[] = {
-        {{}, "", {false, MCPToolsets::all(), false}},
-        {{"--toolsets", " state , nope"}, "1", {true, {state}, false}},
-        {{"--toolsets", "voice"}, "", {false, {voice}, false}},
-        {{"--toolsets", "nope"}, "", {false, {}, false}},
-        {{"--read-only", "--toolsets"}, "true", {false, MCPToolsets::all(), true}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(::testing::PrintToString(c.arguments) + " origin " + c.origin);
-        ProcessOptions options;
-        options.arguments = c.arguments;
-        options.environment = {{"ORVO_ASSISTANT_ORIGIN", c.origin}};
-        ServerProcess server(options);
-        json response = server.request({{"id", 1}, {"method", "tools/list"}});
-        std::vector<std::string> names;
-        for (const json& tool : response["result"]["tools"]) {
-            names.push_back(tool["name"]);
-        }
-        const ToolRegistry registry = ToolRegistry::assemble(registeredTools(), c.selection);
-        std::vector<std::string> expected;
-        for (const MCPTool* tool : registry.tools()) {
-            expected.emplace_back(tool->name());
-        }
-        EXPECT_EQ(names, expected);
-    }
-}
-
 TEST(ServerSessionTest, VersionComesFromResourcesBesideTheRealBinary) {
     TempDir dir;
     const auto install = dir.path() / "install";
@@ -213,8 +118,7 @@ TEST(ServerSessionTest, VersionComesFromResourcesBesideTheRealBinary) {
     ProcessOptions options;
     options.program = (dir.path() / "elsewhere" / "orvo").string();
     ServerProcess server(options);
-    json response = server.request(
-        {{"id", 1}, {"method", "tools/call"}, {"params", {{"name", "orvo_version"}}}});
+    json response = server.request(toolCall(1, "orvo_version"));
     EXPECT_EQ(response["result"],
               json::parse(R"({"content":[{"type":"text","text":"1.4.2"}],"isError":false})"));
     response = server.request({{"id", 2}, {"method", "initialize"}, {"params", json::object()}});
@@ -223,14 +127,17 @@ TEST(ServerSessionTest, VersionComesFromResourcesBesideTheRealBinary) {
     EXPECT_EQ(response["result"]["protocolVersion"], "2024-11-05");
 }
 
-TEST(ServerSessionTest, OnlyAToolSetWithSpeakOffersVoice) {
+// The flags and the environment reach the same selection in the process as in readStartupSettings,
+// and only a selection with speak offers the voice prompt and paragraph.
+TEST(ServerSessionTest, FlagsAndEnvironmentChooseTheToolsAndTheVoice) {
     const struct {
         std::vector<std::string> arguments;
-        std::string origin;
+        const char* origin;
         bool voice;
     } cases[] = {
         {{}, "", true},
-        {{"--toolsets", "state,meetings"}, "", false},
+        {{"--toolsets", " state , nope"}, "", false},
+        {{"--read-only", "--toolsets"}, "", false},  // speak is not read-only
         {{}, "1", false},  // the app's own assistant speaks through the app
     };
     for (const auto& c : cases) {
@@ -239,7 +146,22 @@ TEST(ServerSessionTest, OnlyAToolSetWithSpeakOffersVoice) {
         options.arguments = c.arguments;
         options.environment = {{"ORVO_ASSISTANT_ORIGIN", c.origin}};
         ServerProcess server(options);
-        json result = server.request({{"id", 1}, {"method", "initialize"}})["result"];
+        std::vector<std::string> arguments = {options.program};
+        arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+        const ToolRegistry registry = ToolRegistry::assemble(
+            registeredTools(), readStartupSettings(arguments, c.origin, nullptr).selection);
+        json expected = json::array();
+        for (const MCPTool* tool : registry.tools()) {
+            expected.push_back(tool->name());
+        }
+        json listing = server.request({{"id", 1}, {"method", "tools/list"}});
+        json names = json::array();
+        for (const json& tool : listing["result"]["tools"]) {
+            names.push_back(tool["name"]);
+        }
+        EXPECT_EQ(names, expected);
+
+        json result = server.request({{"id", 2}, {"method", "initialize"}})["result"];
         EXPECT_EQ(result["capabilities"],
                   json::parse(
                       c.voice ? R"({"prompts":{"listChanged":false},"tools":{"listChanged":true}})"
@@ -247,45 +169,35 @@ TEST(ServerSessionTest, OnlyAToolSetWithSpeakOffersVoice) {
         const std::string instructions = result["instructions"];
         EXPECT_EQ(instructions.ends_with("require one-time connected-agent consent."), !c.voice);
         EXPECT_EQ(instructions.find("\nSESSION VOICE: ") != std::string::npos, c.voice);
-        json prompts = server.request({{"id", 2}, {"method", "prompts/list"}});
+        json prompts = server.request({{"id", 3}, {"method", "prompts/list"}});
         EXPECT_EQ(prompts["result"]["prompts"].size(), c.voice ? 1u : 0u);
         const json prompt = server.request(
-            {{"id", 3}, {"method", "prompts/get"}, {"params", {{"name", "speak_every_reply"}}}});
+            {{"id", 4},
+             {"method", "prompts/get"},
+             {"params", {{"name", "speak_every_reply"}, {"arguments", json::object()}}}});
         EXPECT_EQ(prompt.contains("result"), c.voice) << prompt;
     }
 }
 
 class ThrowawayHomeTest : public UserAppTest {};
 
-TEST_F(ThrowawayHomeTest, InstructionsNameTheDocsUnderTheUsersHome) {
-    ProcessOptions options = asUser();
-    options.arguments = {"--toolsets", "state"};  // no speak: the voice paragraph is left out
-    ServerProcess server(options);
-    json response = server.request({{"id", 1}, {"method", "initialize"}});
-    const std::string expected =
-        "ORVO TOOLS: most tools need Orvo running. Docs: <file> points into " +
-        user_->home.string() +
-        "/Library/Application Support/orvo-agent/docs/; start at INDEX.md. Do not edit Orvo "
-        "configuration files directly: edits race the running app and corrupt state. Use "
-        "supported mutation tools (save_character for characters, computer_playbook_* for "
-        "Playbooks). For Dictionary entries or unsupported changes, ask the user to use the "
-        "Dashboard. Meeting transcripts, notes, and Slates stay on this Mac and require one-time "
-        "connected-agent consent.";
-    EXPECT_EQ(response["result"]["instructions"], expected);
-}
-
-TEST_F(ThrowawayHomeTest, CurrentSettingsReadsTheUsersSettingsFile) {
+// The home comes from the user database, not from the environment.
+TEST_F(ThrowawayHomeTest, DocsAndSettingsAreTheUsersOwn) {
     user_->writeHomeFile(".config/orvo-agent/settings.json",
                          R"({"dictationHotkey":"fn","assistantEnabled":true})");
     ServerProcess server(asUser());
-    json response = server.request(
-        {{"id", 1}, {"method", "tools/call"}, {"params", {{"name", "current_settings"}}}});
-    const json content = response["result"]["content"][0];
-    ASSERT_EQ(content["type"], "text");
-    const json snapshot = json::parse(content["text"].get<std::string>());
-    EXPECT_EQ(snapshot["dictationHotkey"], "fn");
-    EXPECT_EQ(snapshot["assistantEnabled"], false);  // the typed decode failed on the hotkey
-    EXPECT_EQ(snapshot["speechVolumePercent"], 60);
+    const std::string instructions =
+        server.request({{"id", 1}, {"method", "initialize"}})["result"]["instructions"];
+    EXPECT_NE(instructions.find(" Docs: <file> points into " + user_->home.string() +
+                                "/Library/Application Support/orvo-agent/docs/; start at "
+                                "INDEX.md. "),
+              std::string::npos)
+        << instructions;
+    json response = server.request(toolCall(2, "current_settings"));
+    const json snapshot =
+        json::parse(response["result"]["content"][0].value("text", ""), nullptr, false);
+    EXPECT_EQ(snapshot.value("dictationHotkey", ""), "fn");
+    EXPECT_EQ(snapshot.value("assistantEnabled", true), false);  // the typed decode failed
 }
 
 }  // namespace

@@ -13,9 +13,15 @@ using namespace std::chrono_literals;
 
 const std::string kForcePush =
     R"({"tool_name":"Bash","tool_input":{"command":"git push --force origin main"}})";
-const std::string kDenyFixed =
-    R"({"hookSpecificOutput":{"hookEventName":"PreToolUse","permissionDecision":"deny","permissionDecisionReason":"Orvo did not answer while this was waiting, so it did not run. Do not retry it unless the owner asks again."}})"
-    "\n";
+const char* const kNotRun =
+    "Orvo did not answer while this was waiting, so it did not run. Do not retry it unless the "
+    "owner asks again.";
+
+std::string denial(std::string_view reason) {
+    return R"({"hookSpecificOutput":{"hookEventName":"PreToolUse","permissionDecision":"deny",)"
+           R"("permissionDecisionReason":")" +
+           std::string(reason) + "\"}}\n";
+}
 
 class ActionHoldHookTest : public ::testing::Test {
 protected:
@@ -35,59 +41,34 @@ TEST_F(ActionHoldHookTest, EveryOutcomeOfTheExchange) {
     test::FakeReply late = test::successReply({{"decision", "allow"}});
     late.delay = 1s;
     const struct {
-        std::string name;
         test::FakeReply reply;
-        std::string output;
-        std::vector<std::string> log;
+        const char* denied;  // the reason shown; null when the call may run
+        std::string log;
     } cases[] = {
-        {"allowed", test::successReply({{"decision", "allow"}}), "", {}},
-        {"refused",
-         test::successReply({{"decision", "deny"}, {"reason", "not now"}}),
-         R"({"hookSpecificOutput":{"hookEventName":"PreToolUse","permissionDecision":"deny","permissionDecisionReason":"not now"}})"
-         "\n",
-         {}},
-        {"refused without a reason",
-         test::successReply({{"decision", "deny"}, {"reason", 7}}),
-         R"({"hookSpecificOutput":{"hookEventName":"PreToolUse","permissionDecision":"deny","permissionDecisionReason":""}})"
-         "\n",
-         {}},
-        {"error reply fails open",
-         test::errorReply("consent_denied", "Denied"),
-         "",
-         {"Denied; allowing"}},
-        {"unknown decision",
-         test::successReply({{"decision", "maybe"}}),
-         kDenyFixed,
-         {"unknown action hold decision maybe; not running it"}},
-        {"no decision",
-         test::successReply({{"decided", "allow"}}),
-         kDenyFixed,
-         {"malformed action hold reply; not running it"}},
-        {"result not an object",
-         test::successReply(json::array()),
-         kDenyFixed,
-         {"malformed action hold reply; not running it"}},
-        {"closed without reply",
-         test::FakeReply{""},
-         kDenyFixed,
-         {"the app closed the connection without a reply; not running it"}},
-        {"malformed envelope",
-         test::FakeReply{"nope"},
-         kDenyFixed,
-         {"malformed reply: response was not a JSON object; not running it"}},
-        {"too large",
-         test::FakeReply{std::string(kMaxReplyBytes + 1, ' ')},
-         kDenyFixed,
-         {"reply too large; not running it"}},
-        {"no reply in time", late, kDenyFixed, {"no reply in time; not running it"}},
+        {test::successReply({{"decision", "allow"}}), nullptr, ""},
+        {test::successReply({{"decision", "deny"}, {"reason", "not now"}}), "not now", ""},
+        {test::successReply({{"decision", "deny"}, {"reason", 7}}), "", ""},
+        {test::errorReply("consent_denied", "Denied"), nullptr, "Denied; allowing"},
+        {test::successReply({{"decision", "maybe"}}), kNotRun,
+         "unknown action hold decision maybe; not running it"},
+        {test::successReply({{"decided", "allow"}}), kNotRun,
+         "malformed action hold reply; not running it"},
+        {test::FakeReply{""}, kNotRun,
+         "the app closed the connection without a reply; not running it"},
+        {test::FakeReply{"nope"}, kNotRun,
+         "malformed reply: response was not a JSON object; not running it"},
+        {test::FakeReply{std::string(kMaxReplyBytes + 1, ' ')}, kNotRun,
+         "reply too large; not running it"},
+        {late, kNotRun, "no reply in time; not running it"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(c.reply.bytes.substr(0, 80));
         test::FakeApp app(socketPath());
         app.on("action_hold", c.reply);
         const HookResult result = run(kForcePush, "tok-1");
-        EXPECT_EQ(result.output, c.output);
-        EXPECT_EQ(result.logLines, c.log);
+        EXPECT_EQ(result.output, c.denied ? denial(c.denied) : "");
+        EXPECT_EQ(result.logLines,
+                  c.log.empty() ? std::vector<std::string>{} : std::vector<std::string>{c.log});
         ASSERT_TRUE(app.waitForRequests(1));
         EXPECT_EQ(
             app.received()[0].line,
@@ -102,11 +83,8 @@ TEST_F(ActionHoldHookTest, AsksOnlyForHeldCallsAndLetsUnreadableInputThrough) {
         std::vector<std::string> log;
     } cases[] = {
         {R"({"tool_name":"Read","tool_input":{"file_path":"/etc/hosts"}})", {}},
-        {R"({"tool_name":"Bash","tool_input":{"command":"git status"}})", {}},
         {R"({"tool_name":"Bash","tool_input":{"command":"git push --force -n"}})", {}},
         {"not json", {"unreadable hook input; allowing"}},
-        {R"({"tool_name":"Bash"})", {"unreadable hook input; allowing"}},
-        {R"({"tool_name":1,"tool_input":{}})", {"unreadable hook input; allowing"}},
         {R"({"tool_name":"Bash","tool_input":"git push -f"})", {"unreadable hook input; allowing"}},
         {std::string(1 << 20, '['), {"unreadable hook input; allowing"}},
     };

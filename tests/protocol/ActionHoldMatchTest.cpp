@@ -43,17 +43,12 @@ TEST(ActionHoldMatchTest, WireDecodingNeedsCategoryAndBothPhrases) {
         json wire;
         std::optional<std::string> detail;  // none: does not decode
     } cases[] = {
-        {"empty", json::object(), std::nullopt},
         {"not an object", json::array({"publishing"}), std::nullopt},
         {"no category", without("category"), std::nullopt},
         {"unknown category", with("category", "Publishing"), std::nullopt},
-        {"category not a string", with("category", 0), std::nullopt},
-        {"no progressive", without("progressive"), std::nullopt},
         {"progressive not a string", with("progressive", nullptr), std::nullopt},
         {"no base", without("base"), std::nullopt},
-        {"base not a string", with("base", json::array()), std::nullopt},
         {"no detail", without("detail"), ""},
-        {"detail a number", with("detail", 42), ""},
         {"extra key", with("phrase", "ignored"), "git push -f"},
     };
     for (const auto& c : cases) {

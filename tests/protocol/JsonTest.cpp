@@ -14,13 +14,9 @@ TEST(JsonTest, BoundedParseMeasuresDepthAndLetsSyntaxErrorsWin) {
         {"{}", 1, JsonParseStatus::ok},
         {"{\"a\":1}", 1, JsonParseStatus::tooDeep},
         {"{\"a\":1}", 2, JsonParseStatus::ok},
-        {"{\"a\":{}}", 2, JsonParseStatus::ok},
         {"{\"a\":[[]]}", 3, JsonParseStatus::ok},
         {"{\"a\":[[1]]}", 3, JsonParseStatus::tooDeep},
-        {"[[[[]]]]", 3, JsonParseStatus::tooDeep},
         {"[[[[]]]", 3, JsonParseStatus::invalid},  // deep and broken: the syntax error wins
-        {"{\"a\":[1,{\"b\":[2]}],\"c\":3}", 5, JsonParseStatus::ok},
-        {"{\"a\":[1,{\"b\":[2]}],\"c\":3}", 4, JsonParseStatus::tooDeep},
         {"", 8, JsonParseStatus::invalid},
         {"{} {}", 8, JsonParseStatus::invalid},
         {"{\"a\":\"\\ud800\"}", 8, JsonParseStatus::invalid},  // lone surrogate escape
@@ -62,17 +58,13 @@ TEST(JsonTest, UTF8CheckRejectsEveryMalformedForm) {
     } cases[] = {
         {"", true},
         {"plain ascii text, long enough to take the fast path", true},
-        {"\xC3\xA9", true},
-        {"\xE2\x9C\x93", true},
         {"\xF0\x9F\x99\x82", true},
         {"\xF4\x8F\xBF\xBF", true},   // U+10FFFF
         {"\xC3", false},              // truncated
         {"\xC0\xAF", false},          // overlong slash
-        {"\xE0\x80\xAF", false},      // overlong
         {"\xED\xA0\x80", false},      // surrogate
         {"\xF4\x90\x80\x80", false},  // above U+10FFFF
-        {"\xF5\x80\x80\x80", false},
-        {"\x80", false},  // stray continuation
+        {"\x80", false},              // stray continuation
         {"abcdefgh\xFF", false},
         {std::string("nul\0inside", 10), true},
     };

@@ -31,47 +31,26 @@ void expectHeld(std::initializer_list<Case> cases) {
 TEST(ShellCommandClassifierTest, WrappersAssignmentsAndKeywordsAreSkipped) {
     expectHeld({
         {"sudo -u deploy git push", kPush},
-        {"sudo -g staff -C 3 -E git push", kPush},
-        {"sudo --user root git push", kPush},
         {"env -u HOME -C /repo GIT_DIR=.git git push", kPush},
-        {"GIT_SSH_COMMAND='ssh -i key' git push", kPush},
         {"command git push", kPush},
-        {"nohup git push &", kPush},
-        {"time -p git push", kPush},
-        {"builtin eval git push", kPush},
-        {"exec -a name git push", kPush},
-        {"timeout 30 git push", kPush},
         {"timeout -s KILL -k 5 30s git push", kPush},
         {"timeout --signal=TERM -- 10 git push", kPush},
-        {"nice -n 10 git push", kPush},
-        {"nice --adjustment 5 git push", kPush},
-        {"caffeinate -t 600 -w 12 git push", kPush},
         {"xargs -n 1 -P 4 -I {} git push origin {}", kPush},
         {"npx -p wrangler wrangler deploy",
          "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
-        {"bunx --package wrangler wrangler deploy",
-         "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
-        {"pnpm dlx wrangler deploy", "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
         {"pnpm exec --filter web -- wrangler deploy",
          "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
         {"npm exec --package x -- wrangler@3 deploy",
          "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
         {"/usr/bin/sudo /usr/bin/env A=1 /opt/homebrew/bin/git push", kPush},
-        {"sudo nice -n 5 env A=1 timeout 9 git push", kPush},
         {"if true; then git push; fi", kPush},
         {"while true; do rm -rf src; done", kDeleteFiles},
-        {"until git push; do sleep 1; done", kPush},
         {"! git push", kPush},
-        {"{ git push; }", kPush},
         {"env -S 'git push --force' origin main", kForcePush},
         {"npx -c 'wrangler deploy'", "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
-        {"pnpm exec --call 'wrangler deploy'",
-         "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
         {"env -S 'ls -la'", ""},
-        {"sudo ls", ""},
         {"env", ""},
         {"timeout 30", ""},
-        {"xargs echo", ""},
         {"command -v git", ""},
         {"A=1 B=2", ""},
     });
@@ -79,31 +58,18 @@ TEST(ShellCommandClassifierTest, WrappersAssignmentsAndKeywordsAreSkipped) {
 
 TEST(ShellCommandClassifierTest, HowTheCommandIsWrittenDoesNotHideIt) {
     expectHeld({
-        {"cd repo && git push", kPush},
-        {"make test || git push", kPush},
-        {"ls; git push", kPush},
-        {"git status\ngit push", kPush},
         {"(cd repo && git push)", kPush},
         {"'git' \"push\" '-f'", kForcePush},
-        {"g\"i\"t pu\\sh", kPush},
         {"\\rm -rf src", kDeleteFiles},
-        {"git \\\n  push", kPush},
         {"git push >/dev/null 2>&1 | tail -5", kPush},
         {"rm -rf node_modules 2>/dev/null", ""},
         {"x=$(git push origin HEAD)", kPush},
         {"echo \"$(rm -rf ~/x)\"", kDeleteFiles},
-        {"echo `git push`", kPush},
-        {"diff <(git push) b", kPush},
         {"bash -c 'git push'", kPush},
-        {"sh -lc \"rm -rf src\"", kDeleteFiles},
-        {"zsh -o pipefail -c 'git push'", kPush},
         {"bash -eo pipefail -c 'git push'", kPush},
-        {"bash --norc -c 'cd x; git push'", kPush},
         {"bash <<< 'git push'", kPush},
         {"bash -s <<'EOF'\ngit push\nEOF", kPush},
-        {"sudo bash <<EOF\ncd /srv\nrm -rf app\nEOF\necho done", kDeleteFiles},
         {"eval git push", kPush},
-        {"eval 'git push --force'", kForcePush},
         {"ssh prod git push", kPush},
         {"ssh -i ~/.ssh/key -p 2222 -o StrictHostKeyChecking=no deploy@prod 'rm -rf /srv/old'",
          kDeleteFiles},
@@ -112,11 +78,8 @@ TEST(ShellCommandClassifierTest, HowTheCommandIsWrittenDoesNotHideIt) {
         {"ssh prod <<EOF\ngit push\nEOF", kPush},
         {"ssh prod bash -s <<'EOF'\nrm -rf /srv/app\nEOF", kDeleteFiles},
         {"\"$(command -v git)\" push", kPush},
-        {"`which git` push --force", kForcePush},
         {"sh -c \"$(printf 'git push')\"", kPush},
-        {"eval \"$(echo git push)\"", kPush},
         {"echo 'git push --force' | bash", kForcePush},
-        {"printf '%s\\n' 'rm -rf src' | sh", kDeleteFiles},
         {"cat <<'EOF' | ssh prod\ngit reset --hard\nEOF",
          "deleting|Discarding local changes|Discard local changes"},
         {"find . -print0 | xargs -0 rm -rf", kDeleteFiles},
@@ -124,16 +87,10 @@ TEST(ShellCommandClassifierTest, HowTheCommandIsWrittenDoesNotHideIt) {
         {"echo 'git push' || bash", ""},
         {"echo 'git push' | cat", ""},
         {"echo hi | bash script.sh", ""},
-        {"$(echo ls) -la", ""},
-        {"bash -c 'echo hi'", ""},
-        {"eval echo hi", ""},
-        {"ssh prod uptime", ""},
         {"ssh -L 8080:localhost:80 -N prod", ""},
         {"ssh prod 'cat > notes' <<EOF\ngit push\nEOF", ""},
         {"cat <<EOF > deploy.sh\ngit push\nEOF", ""},
         {"echo 'git push' '$(rm -rf src)'", ""},
-        {"ls # git push; rm -rf src", ""},
-        {"grep -r 'git push' .", ""},
         {"echo git push", ""},
     });
 }
@@ -143,7 +100,6 @@ TEST(ShellCommandClassifierTest, HelpAndDryRunAreNeverHeld) {
         {"git push --help", ""},
         {"git push -h", ""},
         {"rm -rf src --help", ""},
-        {"npm publish --dry-run", ""},
         {"git push --dry-run", ""},
         {"npm publish --dry-run=server", ""},
         {"npm publish --dry-run=false", "publishing|Publishing the package|Publish the package"},
@@ -167,53 +123,32 @@ TEST(ShellCommandClassifierTest, NestedTextIsReadThreeLevelsDeep) {
     });
 }
 
-TEST(ShellCommandClassifierTest, NestedMatchesCarryTheOuterDetail) {
+// A force push names its category whatever comes first; details are kept once each, and nested
+// text is shown as the outermost command that holds it.
+TEST(ShellCommandClassifierTest, MergesByCategoryWithTheOuterDetails) {
+    const std::string push(kPush), force(kForcePush);
     const struct {
         std::string_view command;
-        std::string_view detail;
+        std::string merged;  // each match as its held text and " @ " its detail
     } cases[] = {
-        {"  ssh prod \"bash -c 'git push'\"  \n&& ls", "ssh prod \"bash -c 'git push'\""},
-        {"ls && echo 'git push' | sh && echo done", "echo 'git push' | sh"},
-        {"bash -c \"echo 'git push' | sh\"", "bash -c \"echo 'git push' | sh\""},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.command);
-        const std::vector<ActionHoldMatch> matches = classifyCommand(c.command);
-        ASSERT_EQ(matches.size(), 1u);
-        EXPECT_EQ(matches[0].detail, c.detail);
-    }
-}
-
-TEST(ShellCommandClassifierTest, MergesByCategoryInOrderOfFirstAppearance) {
-    const struct {
-        std::string_view command;
-        std::vector<ActionHoldMatch> merged;
-    } cases[] = {
-        {"git push --force origin main && git push origin dev",
-         {{ActionHoldCategory::publishing,
-           {"Force-pushing the branch", "Force-push the branch"},
-           "git push --force origin main \xC2\xB7 git push origin dev"}}},
         {"git push origin dev; git push -f origin main",
-         {{ActionHoldCategory::publishing,
-           {"Force-pushing the branch", "Force-push the branch"},
-           "git push origin dev \xC2\xB7 git push -f origin main"}}},
+         force + " @ git push origin dev \xC2\xB7 git push -f origin main"},
         {"rm -rf a && git push && rm -rf b && git push\n git push",
-         {{ActionHoldCategory::deleting, {"Deleting files", "Delete files"}, "rm -rf a · rm -rf b"},
-          {ActionHoldCategory::publishing, {"Pushing the branch", "Push the branch"}, "git push"}}},
-        {"npm publish; git push",
-         {{ActionHoldCategory::publishing,
-           {"Publishing the package", "Publish the package"},
-           "npm publish · git push"}}},
-        {"bash -c 'git push; gh pr create'",
-         {{ActionHoldCategory::publishing,
-           {"Pushing the branch", "Push the branch"},
-           "bash -c 'git push; gh pr create'"}}},
-        {"", {}},
-        {" \n ;; ", {}},
+         std::string(kDeleteFiles) + " @ rm -rf a \xC2\xB7 rm -rf b; " + push + " @ git push"},
+        {"  ssh prod \"bash -c 'git push'\"  \n&& ls", push + " @ ssh prod \"bash -c 'git push'\""},
+        {"ls && echo 'git push' | sh && echo done", push + " @ echo 'git push' | sh"},
+        {"bash -c \"echo 'git push' | sh; gh pr create\"",
+         push + " @ bash -c \"echo 'git push' | sh; gh pr create\""},
+        {"", ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.command);
-        EXPECT_EQ(classifyCommand(c.command), c.merged);
+        std::string merged;
+        for (const ActionHoldMatch& match : classifyCommand(c.command)) {
+            merged.append(merged.empty() ? "" : "; ").append(heldActionText({match}));
+            merged.append(" @ ").append(match.detail);
+        }
+        EXPECT_EQ(merged, c.merged);
     }
 }
 

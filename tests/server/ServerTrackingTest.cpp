@@ -62,12 +62,7 @@ protected:
     }
 
     void send(const json& message) { server_->handleLine(dumpCompact(message)); }
-    void call(const json& id, std::string_view tool) {
-        send({{"jsonrpc", "2.0"},
-              {"id", id},
-              {"method", "tools/call"},
-              {"params", {{"name", tool}, {"arguments", json::object()}}}});
-    }
+    void call(const json& id, std::string_view tool) { send(test::toolCall(id, tool)); }
     void cancel(const json& id) {
         send({{"method", "notifications/cancelled"}, {"params", {{"requestId", id}}}});
     }
@@ -89,11 +84,6 @@ protected:
             pending_.append(chunk, static_cast<std::size_t>(std::max<ssize_t>(n, 0)));
         }
     }
-    test::FakeReply held() const {
-        test::FakeReply reply;
-        reply.holdUntilDisconnect = true;
-        return reply;
-    }
 
     test::TempDir home_;
     int output_[2] = {-1, -1};
@@ -105,7 +95,7 @@ protected:
 };
 
 TEST_F(ServerTrackingTest, SixteenStalledCallsProceedAndTheSeventeenthIsRefused) {
-    app_->on("computer_inspect", held());
+    app_->on("computer_inspect", test::heldReply());
     for (int id = 1; id <= 16; ++id) {
         call(id, "computer_inspect");
     }
@@ -125,13 +115,14 @@ TEST_F(ServerTrackingTest, SixteenStalledCallsProceedAndTheSeventeenthIsRefused)
 }
 
 TEST_F(ServerTrackingTest, DuplicateIdsAreRefusedWhileNumberAndStringIdsStayApart) {
-    app_->on("computer_click", held());
+    app_->on("computer_click", test::heldReply());
     call(5, "computer_click");
     call(5, "computer_inspect");
     EXPECT_EQ(response(), json::parse(R"({"jsonrpc":"2.0","id":5,"error":{"code":-32600,
         "message":"Duplicate request id"}})"));
     call("5", "computer_inspect");
-    EXPECT_EQ(response()["id"], "5");  // the observer ran beside the held click
+    EXPECT_EQ(response()["id"], "5");       // the observer ran beside the held click
+    ASSERT_TRUE(app_->waitForRequests(2));  // the click too has reached the app
     cancel(5);
     EXPECT_TRUE(app_->waitForFinished(2));
     call(5, "computer_inspect");  // the id is free again once its call has ended
@@ -160,7 +151,7 @@ TEST_F(ServerTrackingTest, ObserversOverlapWhileActingCallsRunOneAtATime) {
 }
 
 TEST_F(ServerTrackingTest, CancellationHalfClosesTheCallAndSilencesIt) {
-    app_->on("computer_click", held());
+    app_->on("computer_click", test::heldReply());
     call(3, "computer_click");
     ASSERT_TRUE(app_->waitForRequests(1));
     cancel("3");  // another id: no effect
@@ -191,7 +182,7 @@ TEST_F(ServerTrackingTest, TenThousandCallsLeaveNoDescriptorBehind) {
     const std::size_t before = openDescriptors();
     app_->on("get_meeting_notes", test::successReply({{"ok", true}}));
     app_->on("computer_inspect", test::errorReply("refused", "no"));
-    app_->on("computer_click", held());
+    app_->on("computer_click", test::heldReply());
     test::FakeReply late = test::successReply(json::object());
     late.delay = 60ms;
     app_->on("slow", late);

@@ -125,11 +125,6 @@ void FakeApp::on(const std::string& method, FakeReply reply) {
     replies_[method] = std::move(reply);
 }
 
-void FakeApp::otherwise(FakeReply reply) {
-    std::lock_guard<std::mutex> guard(lock_);
-    fallback_ = std::move(reply);
-}
-
 void FakeApp::acceptLoop() {
     for (;;) {
         const int fd = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);

@@ -29,6 +29,13 @@ struct FakeReply {
     std::chrono::milliseconds watchHalfClose{0};
 };
 
+// No reply until the client goes away, as while the owner decides.
+inline FakeReply heldReply() {
+    FakeReply reply;
+    reply.holdUntilDisconnect = true;
+    return reply;
+}
+
 // The app's success and error replies, made with the app side's own encoders.
 FakeReply successReply(const json& result);
 FakeReply errorReply(std::string_view rawCode, std::string_view message,
@@ -52,7 +59,6 @@ public:
     FakeApp& operator=(const FakeApp&) = delete;
 
     void on(const std::string& method, FakeReply reply);
-    void otherwise(FakeReply reply);
 
     std::vector<ReceivedRequest> received() const;
     // Waits until `count` requests have been read (not necessarily answered).

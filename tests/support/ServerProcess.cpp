@@ -223,6 +223,13 @@ std::string ServerProcess::standardError() {
     return errorText_;
 }
 
+json toolCall(const json& id, std::string_view name, const json& arguments) {
+    return {{"jsonrpc", "2.0"},
+            {"id", id},
+            {"method", "tools/call"},
+            {"params", {{"name", name}, {"arguments", arguments}}}};
+}
+
 TempDir::TempDir() {
     std::string pattern = (std::filesystem::temp_directory_path() / "orvo-test-XXXXXX").string();
     if (::mkdtemp(pattern.data()) == nullptr) {

@@ -59,6 +59,9 @@ private:
     std::optional<int> exitStatus_;
 };
 
+// A tools/call request, as agents send it.
+json toolCall(const json& id, std::string_view name, const json& arguments = json::object());
+
 // A directory under the system temporary directory, removed with everything in it.
 class TempDir {
 public:

@@ -1,26 +1,139 @@
 #!/usr/bin/env python3
-"""Checks every tool's inputSchema in the real binary's tools/list against the JSON Schema
-2020-12 meta-schema, with an implementation independent of ours.
+"""Checks every tool in the real binary's tools/list: first the rules we keep that JSON Schema does
+not (names, plain-text descriptions, closed objects of our keywords, values that fit their
+types), then each inputSchema against the JSON Schema 2020-12 meta-schema, with an implementation
+independent of ours.
 
 Usage: check_tool_schemas.py PATH_TO_ORVO_AGENT_MCP
-Exits 77 (skipped) when the jsonschema module is missing.
+Exits 77 (skipped) after our own rules when the jsonschema module is missing.
 """
 import json
 import os
+import re
 import subprocess
 import sys
 
 SKIPPED = 77
+KEYWORDS = {"additionalProperties", "const", "default", "deprecated", "description", "enum",
+            "exclusiveMinimum", "format", "items", "maxItems", "maxLength", "maximum", "minItems",
+            "minLength", "minProperties", "minimum", "oneOf", "pattern", "properties", "required",
+            "type", "uniqueItems"}
+# Each keyword applies to a value of one of these types only.
+APPLIES_TO = {**dict.fromkeys(["minimum", "maximum", "exclusiveMinimum"], {"integer", "number"}),
+              **dict.fromkeys(["minLength", "maxLength", "pattern", "format"], {"string"}),
+              **dict.fromkeys(["items", "minItems", "maxItems", "uniqueItems"], {"array"}),
+              **dict.fromkeys(["properties", "required", "additionalProperties",
+                               "minProperties"], {"object"})}
+FITS = {"string": lambda v: isinstance(v, str), "boolean": lambda v: isinstance(v, bool),
+        "integer": lambda v: isinstance(v, int) and not isinstance(v, bool),
+        "number": lambda v: isinstance(v, (int, float)) and not isinstance(v, bool),
+        "array": lambda v: isinstance(v, list), "object": lambda v: isinstance(v, dict),
+        "null": lambda v: v is None}
+
+
+def clean_text(text):
+    """Plain text: no stray blanks left over from joining literals."""
+    return isinstance(text, str) and text != "" and text == text.strip() and "  " not in text
+
+
+def parameter_problems(schema, where, found):
+    """Appends to `found` what breaks our rules in one parameter's schema; returns how many open
+    objects (the Playbook documents, which the app validates) it holds."""
+    if not isinstance(schema, dict):
+        found.append(f"{where}: not an object")
+        return 0
+    types = schema.get("type", [])
+    types = set(types if isinstance(types, list) else [types])
+
+    def fits(value):
+        return any(FITS[t](value) for t in types if t in FITS)
+
+    for keyword in schema:
+        if keyword not in KEYWORDS:
+            found.append(f"{where}: keyword {keyword}")
+        elif keyword in APPLIES_TO and not types & APPLIES_TO[keyword]:
+            found.append(f"{where}: {keyword} on {sorted(types)}")
+    if not types and "oneOf" not in schema:
+        found.append(f"{where}: no type")
+    if "description" in schema and not clean_text(schema["description"]):
+        found.append(f"{where}: description {schema['description']!r}")
+    values = schema.get("enum", [])
+    if any(not fits(v) for v in values) or len(set(map(json.dumps, values))) != len(values):
+        found.append(f"{where}: enum {values}")
+    if "default" in schema and (not fits(schema["default"]) or
+                                ("enum" in schema and schema["default"] not in values)):
+        found.append(f"{where}: default {schema['default']!r}")
+    for limit in ("minimum", "maximum", "exclusiveMinimum"):
+        # An integer's limits are integers; "minimum": 1.0 would advertise a fraction.
+        kind = "number" if "number" in types else "integer"
+        if limit in schema and not FITS[kind](schema[limit]):
+            found.append(f"{where}: {limit} {schema[limit]!r}")
+    if "minimum" in schema and "maximum" in schema and schema["minimum"] >= schema["maximum"]:
+        found.append(f"{where}: minimum not below maximum")
+    if schema.get("format", "date") not in ("date", "date-time", "uuid"):
+        found.append(f"{where}: format {schema['format']}")
+    opened = 0
+    if "items" in schema:
+        opened += parameter_problems(schema["items"], where + "/items", found)
+    for choice in schema.get("oneOf", []):
+        opened += parameter_problems(choice, where + "/oneOf", found)
+    # An object chosen among variants ("oneOf") is described by the variants themselves.
+    if "object" in types and "oneOf" not in schema:
+        opened += object_problems(schema, where, found)
+    return opened
+
+
+def object_problems(schema, where, found):
+    """Nested objects follow the shape of the top level: closed, with listed required names."""
+    if schema.get("additionalProperties") is True and "properties" not in schema:
+        return 1
+    if schema.get("additionalProperties") is not False:
+        found.append(f"{where}: not closed")
+    properties = schema.get("properties")
+    if not isinstance(properties, dict):
+        found.append(f"{where}: no properties")
+        return 0
+    if "required" in schema and (not schema["required"] or
+                                 not set(schema["required"]) <= set(properties)):
+        found.append(f"{where}: required {schema['required']}")
+    return sum(parameter_problems(p, f"{where}/{name}", found) for name, p in properties.items())
+
+
+def tool_problems(tool):
+    name, schema, found = tool["name"], tool["inputSchema"], []
+    if not re.fullmatch(r"[a-z]+(_[a-z0-9]+)*", name):
+        found.append("not snake_case")
+    text = tool.get("description")
+    if not clean_text(text):
+        found.append(f"description {text!r}")
+    elif "Docs:" in text and not re.fullmatch(r"Docs: [a-z-]+\.md", text[text.find("Docs:"):]):
+        found.append("a description names its docs page last, by file name")
+    if not set(schema) <= {"type", "properties", "additionalProperties", "required"}:
+        found.append(f"top-level keys {sorted(schema)}")
+    if schema.get("type") != "object":
+        found.append("not an object")
+    if object_problems(schema, "", found) and not name.startswith("computer_playbook_"):
+        found.append("an open object")
+    return [f"{name}: {problem}" for problem in found]
+
+
+# Each must break a rule above, or the rules prove nothing.
+BROKEN = ['{"type":"string","title":"x"}', '{"type":"integer","minimum":0.5}',
+          '{"type":"integer","minLength":1}', '{"type":"string","enum":["a","a"]}',
+          '{"type":"integer","enum":[15,30],"default":20}',
+          '{"type":"string","description":"two  spaces"}',
+          '{"type":"object","properties":{},"required":["x"],"additionalProperties":false}',
+          '{"type":"object","properties":{}}',
+          '{"type":"array","items":{"type":"string","format":"uri"}}']
 
 
 def main() -> int:
-    try:
-        from jsonschema import Draft202012Validator
-        from jsonschema.exceptions import SchemaError
-    except ImportError:
-        print("skipped: the Python module jsonschema is missing "
-              "(Debian package python3-jsonschema)")
-        return SKIPPED
+    for text in BROKEN:
+        found = []
+        parameter_problems(json.loads(text), "", found)
+        if not found:
+            print(f"the rules let a broken schema through: {text}")
+            return 1
 
     environment = dict(os.environ)
     # The assistant origin would withhold speak; every tool is to be checked.
@@ -32,10 +145,23 @@ def main() -> int:
         print(f"the server exited with {run.returncode}: {run.stderr.strip()}")
         return 1
     tools = json.loads(run.stdout.splitlines()[0])["result"]["tools"]
-    if not tools:
-        print("tools/list offered no tool")
+    names = [tool["name"] for tool in tools]
+    problems = [problem for tool in tools for problem in tool_problems(tool)]
+    if not tools or len(set(names)) != len(names):
+        problems.append("tools/list offered no tool, or one twice")
+    if not any(object_problems(tool["inputSchema"], "", []) for tool in tools):
+        problems.append("the Playbook document is no longer an open object")
+    print("\n".join(problems) or f"{len(tools)} tools keep our rules")
+    if problems:
         return 1
 
+    try:
+        from jsonschema import Draft202012Validator
+        from jsonschema.exceptions import SchemaError
+    except ImportError:
+        print("skipped: the Python module jsonschema is missing "
+              "(Debian package python3-jsonschema)")
+        return SKIPPED
     failures = 0
     for tool in tools:
         try:

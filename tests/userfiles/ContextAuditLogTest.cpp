@@ -88,29 +88,22 @@ TEST(ContextAuditLogTest, WritesRecordsInPostedOrderAndCreatesTheDirectory) {
 }
 
 TEST(ContextAuditLogTest, FailuresGoToStandardErrorOnly) {
-    test::TempDir dir;
-    test::writeFile(dir.path() / "file", "");
-    struct Case {
-        std::filesystem::path file;
-        std::string diagnostic;
-    };
-    std::vector<Case> cases = {
-        {dir.path() / "file" / "reads.jsonl",
-         "orvo-agent-mcp: ContextAuditLog: open for write failed: " + dir.path().string() +
-             "/file/reads.jsonl: Not a directory (errno 20)\n"},
-    };
-    if (std::filesystem::exists("/dev/full")) {
-        cases.push_back({"/dev/full",
-                         "orvo-agent-mcp: ContextAuditLog: write failed: No space left on device "
-                         "(errno 28)\n"});
-    }
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.file);
-        ContextAuditLog log(ContextAuditLogOptions{c.file});
+    const auto diagnostic = [](const std::filesystem::path& file) {
+        ContextAuditLog log(ContextAuditLogOptions{file});
         ::testing::internal::CaptureStderr();
         log.record({"t", "ok", {}, {}, {}, {}});
-        ASSERT_TRUE(log.drain(10s));
-        EXPECT_EQ(::testing::internal::GetCapturedStderr(), c.diagnostic);
+        EXPECT_TRUE(log.drain(10s));
+        return ::testing::internal::GetCapturedStderr();
+    };
+    test::TempDir dir;
+    test::writeFile(dir.path() / "file", "");
+    EXPECT_EQ(diagnostic(dir.path() / "file/reads.jsonl"),
+              "orvo-agent-mcp: ContextAuditLog: open for write failed: " + dir.path().string() +
+                  "/file/reads.jsonl: Not a directory (errno 20)\n");
+    if (std::filesystem::exists("/dev/full")) {
+        EXPECT_EQ(diagnostic("/dev/full"),
+                  "orvo-agent-mcp: ContextAuditLog: write failed: No space left on device (errno "
+                  "28)\n");
     }
 }
 

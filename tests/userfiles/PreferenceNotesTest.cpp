@@ -22,7 +22,6 @@ TEST(PreferenceNotesTest, NormalisesLineBreaksAndTrimsUnicodeWhitespace) {
         {"a\n\nb", "a  b"},
         {"\xC2\xA0\xE2\x80\x83note\xE2\x80\xA8\xE3\x80\x80\xC2\x85\t\v\f", "note"},
         {"\xE2\x80\x8Bnote", "\xE2\x80\x8Bnote"},  // a zero-width space is not white space
-        {" \n\r\n\t\r ", ""},
         {"x\xFF ", "x\xFF"},
     };
     for (const auto& c : cases) {
@@ -31,103 +30,81 @@ TEST(PreferenceNotesTest, NormalisesLineBreaksAndTrimsUnicodeWhitespace) {
     }
 }
 
-TEST(PreferenceNotesTest, AppendsOneLineOrRefusesAndLeavesTheFileAsItWas) {
+// Appends `note` to a notes file holding `existing` (none: no file, no directory) and returns the
+// result; nothing but the notes may be left behind.
+json remember(const std::optional<std::string>& existing, const std::optional<std::string>& note,
+              std::optional<std::string>& after) {
+    test::TempDir home;
+    const fs::path file = preferencesFilePath(home.path());
+    if (existing) {
+        test::writeFile(file, *existing);
+    }
+    const json result = rememberPreference(file, note);
+    after = test::readFile(file);
+    EXPECT_EQ(std::distance(fs::directory_iterator(home.path()), fs::directory_iterator()), 1);
+    if (after) {
+        EXPECT_EQ(
+            std::distance(fs::directory_iterator(file.parent_path()), fs::directory_iterator()), 1)
+            << "a temporary file is left beside the notes";
+    }
+    return result;
+}
+
+TEST(PreferenceNotesTest, AppendsOneLine) {
     const std::string full(32754, 'x');  // with LF, "- ", 10 bytes and LF, exactly 32768
+    const std::string family =
+        "\xF0\x9F\x91\xA8\xE2\x80\x8D\xF0\x9F\x91\xA9\xE2\x80\x8D\xF0\x9F\x91\xA7";
+    const std::string n1024(1024, 'n');
     const struct {
-        std::string name;
-        std::optional<std::string> existing;  // absent: no file, and no directory either
-        std::optional<std::string> note;
-        json result;
-        std::optional<std::string> after;  // absent: the file is unchanged
+        std::optional<std::string> existing;
+        std::string note;
+        int characters;
+        std::string after;
     } cases[] = {
-        {"missing directory is created",
-         std::nullopt,
-         "note",
-         {{"ok", true}, {"char_count", 7}},
-         "- note\n"},
-        {"empty file", "", "note", {{"ok", true}, {"char_count", 7}}, "- note\n"},
-        {"no final line feed",
-         "a",
-         "  likes tabs\r\nnot spaces \n",
-         {{"ok", true}, {"char_count", 26}},
-         "a\n- likes tabs not spaces\n"},
-        {"final line feed kept", "a\n", "b", {{"ok", true}, {"char_count", 6}}, "a\n- b\n"},
-        {"one emoji of several code points is one character",
-         "\xF0\x9F\x91\xA8\xE2\x80\x8D\xF0\x9F\x91\xA9\xE2\x80\x8D\xF0\x9F\x91\xA7\n",
-         "x",
-         {{"ok", true}, {"char_count", 6}},
-         "\xF0\x9F\x91\xA8\xE2\x80\x8D\xF0\x9F\x91\xA9\xE2\x80\x8D\xF0\x9F\x91\xA7\n- x\n"},
-        {"exactly 1024 bytes after trimming",
-         "",
-         "  " + std::string(1024, 'n') + "\r\n",
-         {{"ok", true}, {"char_count", 1027}},
-         "- " + std::string(1024, 'n') + "\n"},
-        {"1026 bytes",
-         "keep\n",
-         [] {
-             std::string note;
-             for (int i = 0; i < 342; ++i) {
-                 note += "\xE2\x82\xAC";
-             }
-             return note;
-         }(),
-         {{"error", "note exceeds 1 KB limit"}},
-         std::nullopt},
-        {"white space only",
-         "keep\n",
-         " \r\n\t\xE2\x80\x83 ",
-         {{"error", "note must be non-empty after trimming"}},
-         std::nullopt},
-        {"no note", "keep\n", std::nullopt, {{"error", "note is required"}}, std::nullopt},
-        {"exactly the cap after the append",
-         full + "\n",
-         "0123456789",
-         {{"ok", true}, {"char_count", 32768}},
-         full + "\n- 0123456789\n"},
-        {"the added line feed pushes it over",
-         full + "y",
-         "0123456789",
-         {{"error", "preferences file is full (32 KB cap)"},
-          {"fix", "Ask the user to prune preferences.md before remembering more."}},
-         std::nullopt},
-        {"32760 bytes and a 10-byte note",
-         std::string(32759, 'x') + "\n",
-         "0123456789",
-         {{"error", "preferences file is full (32 KB cap)"},
-          {"fix", "Ask the user to prune preferences.md before remembering more."}},
-         std::nullopt},
-        {"Latin-1 file",
-         "caf\xE9\n",
-         "note",
-         {{"error", "preferences file is not valid UTF-8"},
-          {"fix",
-           "Open ~/.config/orvo-agent/preferences.md and re-save as UTF-8 before remembering "
-           "more \u2014 appending now would overwrite the file."}},
-         std::nullopt},
+        {std::nullopt, "note", 7, "- note\n"},
+        {"", "note", 7, "- note\n"},
+        {"a", "  likes tabs\r\nnot spaces \n", 26, "a\n- likes tabs not spaces\n"},
+        {"a\n", "b", 6, "a\n- b\n"},
+        {family + "\n", "x", 6, family + "\n- x\n"},                    // one character
+        {"", "  " + n1024 + "\r\n", 1027, "- " + n1024 + "\n"},         // 1024 bytes once trimmed
+        {full + "\n", "0123456789", 32768, full + "\n- 0123456789\n"},  // exactly the cap
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        test::TempDir home;
-        const fs::path file = preferencesFilePath(home.path());
-        if (c.existing) {
-            test::writeFile(file, *c.existing);
-        }
-        EXPECT_EQ(rememberPreference(file, c.note), c.result);
-        const std::optional<std::string> expected = c.after ? c.after : c.existing;
-        const std::optional<std::string> actual = test::readFile(file);
-        if (actual && expected && actual->size() > 200) {
-            EXPECT_TRUE(actual == expected) << "a long file differs from the expected one";
-        } else {
-            EXPECT_EQ(actual, expected);
-        }
-        EXPECT_EQ(std::distance(fs::directory_iterator(home.path()), fs::directory_iterator()), 1)
-            << "nothing but .config is left in the home";
-        if (c.after || c.existing) {
-            EXPECT_EQ(
-                std::distance(fs::directory_iterator(file.parent_path()), fs::directory_iterator()),
-                1)
-                << "no temporary file is left beside the notes";
-        }
+        SCOPED_TRACE(c.note.substr(0, 40));
+        std::optional<std::string> after;
+        EXPECT_EQ(remember(c.existing, c.note, after),
+                  json({{"ok", true}, {"char_count", c.characters}}));
+        EXPECT_TRUE(after == c.after) << "the notes differ from the expected ones";
+    }
+}
+
+TEST(PreferenceNotesTest, RefusesAndLeavesTheFileAsItWas) {
+    std::string euros;  // 342 characters, 1026 bytes
+    for (int i = 0; i < 342; ++i) {
+        euros += "\xE2\x82\xAC";
+    }
+    const std::string tooFull = std::string(32754, 'x') + "y";  // the added line feed tips it
+    const struct {
+        std::string existing;
+        std::optional<std::string> note;
+        std::string result;
+    } cases[] = {
+        {"keep\n", euros, R"({"error":"note exceeds 1 KB limit"})"},
+        {"keep\n", " \r\n\t\xE2\x80\x83 ", R"({"error":"note must be non-empty after trimming"})"},
+        {"keep\n", std::nullopt, R"({"error":"note is required"})"},
+        {tooFull, "0123456789",
+         R"x({"error":"preferences file is full (32 KB cap)",)x"
+         R"("fix":"Ask the user to prune preferences.md before remembering more."})"},
+        {"caf\xE9\n", "note",
+         R"({"error":"preferences file is not valid UTF-8","fix":"Open )"
+         R"(~/.config/orvo-agent/preferences.md and re-save as UTF-8 before remembering more )"
+         "\u2014 appending now would overwrite the file.\"}"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.result);
+        std::optional<std::string> after;
+        EXPECT_EQ(remember(c.existing, c.note, after), json::parse(c.result));
+        EXPECT_TRUE(after == c.existing) << "the notes changed";
     }
 }
 
@@ -147,45 +124,26 @@ TEST(PreferenceNotesTest, ReadsTheWholeTextOrSaysWhyNot) {
     EXPECT_EQ(readPreferences(file),
               json({{"content", "sign as \xE2\x80\x94 J\r\n"}, {"char_count", 12}}));
 
-    const struct {
-        std::string name;
-        std::function<void()> plant;
-        std::string details;
-    } cases[] = {
-        {"not UTF-8", [&] { test::writeFile(file, "caf\xE9"); }, "the file is not valid UTF-8"},
-        {"a FIFO does not block",
-         [&] {
-             fs::remove(file);
-             ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
-         },
-         "not a regular file"},
-        {"a directory",
-         [&] {
-             fs::remove(file);
-             fs::create_directory(file);
-         },
-         "not a regular file"},
-        {"over a megabyte",
-         [&] {
-             fs::remove(file);
-             test::writeFile(file, std::string(1048577, 'x'));
-         },
-         "the file is larger than 1048576 bytes"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        c.plant();
+    // A file that cannot be read is never replaced, except one that is not UTF-8: the append
+    // says so with its own fix.
+    const auto expectUnreadable = [&](const std::string& details) {
         EXPECT_EQ(readPreferences(file),
-                  json({{"error", "could not read preferences"}, {"details", c.details}}));
-        if (c.details != "the file is not valid UTF-8") {
-            EXPECT_EQ(rememberPreference(file, "note"),
-                      json({{"error", "could not read existing preferences"},
-                            {"details", c.details},
-                            {"fix",
-                             "Open ~/.config/orvo-agent/preferences.md, fix permissions or "
-                             "contents, then retry."}}));
-        }
-    }
+                  json({{"error", "could not read preferences"}, {"details", details}}));
+        EXPECT_EQ(rememberPreference(file, "note"),
+                  json({{"error", "could not read existing preferences"},
+                        {"details", details},
+                        {"fix",
+                         "Open ~/.config/orvo-agent/preferences.md, fix permissions or contents, "
+                         "then retry."}}));
+    };
+    test::writeFile(file, "caf\xE9");
+    EXPECT_EQ(readPreferences(file)["details"], "the file is not valid UTF-8");
+    fs::remove(file);
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);  // read at once, it would block
+    expectUnreadable("not a regular file");
+    fs::remove(file);
+    test::writeFile(file, std::string(1048577, 'x'));
+    expectUnreadable("the file is larger than 1048576 bytes");
 }
 
 TEST(PreferenceNotesTest, RewriteKeepsLinksAndPermissionsAndClearsStaleTemporaries) {

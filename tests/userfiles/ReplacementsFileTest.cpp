@@ -9,88 +9,54 @@ namespace {
 
 const std::string kMarker = "# VOICE_MODE_REPLACEMENT_ESCAPES_V1\n";
 
+// One line per entry ("3 spoken => written") and per unusable line ("3 ! reason"), after
+// "escapes" when the file uses them.
+std::string described(const ReplacementsFile& parsed) {
+    std::string text = parsed.escapes ? "escapes\n" : "";
+    for (const Replacement& entry : parsed.entries) {
+        text += std::to_string(entry.line) + " " + entry.spoken + " => " + entry.written + "\n";
+    }
+    for (const InvalidLine& line : parsed.invalidLines) {
+        text += std::to_string(line.line) + " ! " + line.reason + "\n";
+    }
+    return text;
+}
+
 TEST(ReplacementsFileTest, ParsesEntriesAndSaysWhyALineCannotBeUsed) {
-    using Entries = std::vector<std::tuple<std::size_t, std::string, std::string>>;
-    using Invalid = std::vector<std::pair<std::size_t, std::string>>;
     const struct {
-        std::string name;
         std::string file;
-        bool escapes;
-        Entries entries;
-        Invalid invalid;
+        std::string parsed;
     } cases[] = {
-        {"plain text keeps backslashes",
-         "open ai\tOpenAI\npath\tC:\\temp\\n\n",
-         false,
-         {{1, "open ai", "OpenAI"}, {2, "path", "C:\\temp\\n"}},
-         {}},
-        {"plain text keeps further tabs in the replacement",
-         "a\tb\tc",
-         false,
-         {{1, "a", "b\tc"}},
-         {}},
-        {"escapes",
-         kMarker + "sig\tBest,\\nJ\n a\\tb \tx\\\\y\\r\n",
-         true,
-         {{2, "sig", "Best,\nJ"}, {3, "a\tb", "x\\y\r"}},
-         {}},
-        {"bad escapes",
-         kMarker + "a\tb\\q\na\\\tb\nx\\\n" + "c\tb\tz\n",
-         true,
-         {},
-         {{2, "unknown escape \\q"},
-          {3, "ends inside an escape; write a backslash as \\\\"},  // a raw tab is never escaped
-          {4, "no tab between the spoken phrase and its replacement"},
-          {5, "more than one tab; write a tab inside a text as \\t"}}},
-        {"an escape cut off at the end",
-         kMarker + "a\tb\\",
-         true,
-         {},
-         {{2, "ends inside an escape; write a backslash as \\\\"}}},
-        {"comments, blank lines and line endings",
-         "\xEF\xBB\xBF# VOICE_MODE_REPLACEMENT_ESCAPES_V1\r\n\n  # note\r\n \t "
+        // Plain text keeps backslashes, and further tabs belong to the replacement.
+        {"open ai\tOpenAI\npath\tC:\\temp\\n\na\tb\tc",
+         "1 open ai => OpenAI\n2 path => C:\\temp\\n\n3 a => b\tc\n"},
+        {kMarker + "sig\tBest,\\nJ\n a\\tb \tx\\\\y\\r\n",
+         "escapes\n2 sig => Best,\nJ\n3 a\tb => x\\y\r\n"},
+        {kMarker + "a\tb\\q\na\\\tb\nx\\\n" + "c\tb\tz\n",
+         "escapes\n2 ! unknown escape \\q\n"
+         "3 ! ends inside an escape; write a backslash as \\\\\n"  // a raw tab is never escaped
+         "4 ! no tab between the spoken phrase and its replacement\n"
+         "5 ! more than one tab; write a tab inside a text as \\t\n"},
+        {kMarker + "a\tb\\", "escapes\n2 ! ends inside an escape; write a backslash as \\\\\n"},
+        // Comments, blank lines and line endings.
+        {"\xEF\xBB\xBF# VOICE_MODE_REPLACEMENT_ESCAPES_V1\r\n\n  # note\r\n \t "
          "\nk8s\tKubernetes\r\n",
-         true,
-         {{5, "k8s", "Kubernetes"}},
-         {}},
-        {"the marker counts only on the first line",
-         "\n" + kMarker + "a\tb\\n",
-         false,
-         {{3, "a", "b\\n"}},
-         {}},
-        {"unusable lines do not hide the rest",
-         "caf\xE9\tx\n \tnothing spoken\nno tab\num\t\n",
-         false,
-         {{4, "um", ""}},
-         {{1, "not valid UTF-8"},
-          {2, "empty spoken phrase"},
-          {3, "no tab between the spoken phrase and its replacement"}}},
-        {"the last line for a phrase wins, ignoring case",
-         "\xC3\x89"
+         "escapes\n5 k8s => Kubernetes\n"},
+        {"\n" + kMarker + "a\tb\\n", "3 a => b\\n\n"},  // the marker counts only on line 1
+        // Unusable lines do not hide the rest.
+        {"caf\xE9\tx\n \tnothing spoken\nno tab\num\t\n",
+         "4 um => \n1 ! not valid UTF-8\n2 ! empty spoken phrase\n"
+         "3 ! no tab between the spoken phrase and its replacement\n"},
+        // The last line for a phrase wins, ignoring case.
+        {"\xC3\x89"
          "cole\tA\nx\ty\n\xC3\xA9"
          "cole\tB\n",
-         false,
-         {{2, "x", "y"},
-          {3,
-           "\xC3\xA9"
-           "cole",
-           "B"}},
-         {{1, "replaced by line 3, which has the same spoken phrase"}}},
+         "2 x => y\n3 \xC3\xA9"
+         "cole => B\n1 ! replaced by line 3, which has the same spoken phrase\n"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        const ReplacementsFile parsed = parseReplacements(c.file);
-        EXPECT_EQ(parsed.escapes, c.escapes);
-        Entries entries;
-        for (const Replacement& entry : parsed.entries) {
-            entries.emplace_back(entry.line, entry.spoken, entry.written);
-        }
-        EXPECT_EQ(entries, c.entries);
-        Invalid invalid;
-        for (const InvalidLine& line : parsed.invalidLines) {
-            invalid.emplace_back(line.line, line.reason);
-        }
-        EXPECT_EQ(invalid, c.invalid);
+        SCOPED_TRACE(c.file);
+        EXPECT_EQ(described(parseReplacements(c.file)), c.parsed);
     }
 }
 
@@ -103,28 +69,25 @@ TEST(ReplacementsFileTest, ListsAPageOfTheMatchingEntries) {
 
     test::writeFile(file, kMarker + "open ai\tOpenAI\nlater\tL8R\nxai\tnothing\ngpt\tGPT\n");
     const struct {
-        std::string text;  // empty: no filter
-        std::int64_t limit;
-        std::int64_t offset;
+        std::string text;  // empty: every entry
+        std::int64_t limit, offset;
         std::vector<std::size_t> lines;
         std::int64_t total;
-        std::optional<std::int64_t> nextOffset;
+        json nextOffset;
     } cases[] = {
-        {"", 100, 0, {2, 3, 4, 5}, 4, std::nullopt},
+        {"", 100, 0, {2, 3, 4, 5}, 4, nullptr},
         {"", 2, 0, {2, 3}, 4, 2},
-        {"", 2, 2, {4, 5}, 4, std::nullopt},
-        {"", 2, 9, {}, 4, std::nullopt},
+        {"", 2, 2, {4, 5}, 4, nullptr},
+        {"", 2, 9, {}, 4, nullptr},
         {"Ai", 1, 0, {2}, 2, 1},
-        {"l8r", 100, 0, {3}, 1, std::nullopt},
+        {"l8r", 100, 0, {3}, 1, nullptr},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(::testing::PrintToString(c.lines));
-        ReplacementsQuery query;
+        ReplacementsQuery query{std::nullopt, c.limit, c.offset};
         if (!c.text.empty()) {
             query.text = c.text;
         }
-        query.limit = c.limit;
-        query.offset = c.offset;
         const json result = listReplacements(file, query);
         std::vector<std::size_t> lines;
         for (const json& entry : result["entries"]) {
@@ -133,9 +96,7 @@ TEST(ReplacementsFileTest, ListsAPageOfTheMatchingEntries) {
         EXPECT_EQ(lines, c.lines);
         EXPECT_EQ(result["total"], c.total);
         EXPECT_EQ(result["escapes"], true);
-        EXPECT_EQ(result.contains("nextOffset") ? std::optional(result["nextOffset"].get<int>())
-                                                : std::nullopt,
-                  c.nextOffset);
+        EXPECT_EQ(result.value("nextOffset", json()), c.nextOffset);
     }
     EXPECT_EQ(listReplacements(file, {"gpt", 1, 0})["entries"],
               json::parse(R"([{"line":5,"spoken":"gpt","written":"GPT"}])"));

@@ -24,77 +24,50 @@ json snapshotOf(std::string_view file) {
 
 TEST(SettingsSnapshotTest, DecodesTolerantlyAndFillsDefaults) {
     const struct {
-        std::string name;
         std::string file;
-        json changes;  // members that differ from the defaults
+        std::string changes;  // the members that differ from the defaults
     } cases[] = {
-        {"no file", "", json::object()},
-        {"not an object", "[1]", json::object()},
-        {"truncated by a concurrent write", R"({"assistantEnabled":tr)", json::object()},
-        {"empty backend is null", R"({"assistantBackend":""})", json::object()},
-        {"null counts as absent",
-         R"({"assistantEnabled":null,"repliesMuted":true})",
-         {{"repliesMuted", true}}},
-        {"everything set",
-         R"({"assistantBackend":"claude","assistantEnabled":true,"ambientListeningLevel":"",
+        {"", "{}"},
+        {"[1]", "{}"},
+        {R"({"assistantEnabled":tr)", "{}"},  // cut short by a concurrent write
+        {R"({"assistantBackend":""})", "{}"},
+        {R"({"assistantEnabled":null,"repliesMuted":true})", R"({"repliesMuted":true})"},
+        {R"({"assistantBackend":"claude","assistantEnabled":true,"ambientListeningLevel":"",
              "ambientLearnFromDictation":false,"ambientDucksReplies":true,"assistantTrigger":"",
              "assistantName":"Ada","userAddress":"Sir","userAddressDisabled":true,
              "inputDevice":2,"contextMode":true,"selectionEditEnabled":false,"llmModel":"l",
              "sttModel":"s","repliesMuted":true,"speechVolumePercent":80.0,"unknown":[1],
              "assistantAckMode":"x","dictationHotkey":{"name":"A","rawValue":"B","x":1}})",
-         {{"assistantBackend", "claude"},
-          {"assistantEnabled", true},
-          {"ambientListeningLevel", ""},
-          {"ambientLearnFromDictation", false},
-          {"ambientDucksReplies", true},
-          {"assistantTriggerWord", ""},
-          {"assistantName", "Ada"},
-          {"userAddress", "Sir"},
-          {"userAddressDisabled", true},
-          {"inputDeviceIndex", 2},
-          {"aiCorrectionEnabled", true},
-          {"aiWritingEnabled", false},
-          {"llmModel", "l"},
-          {"sttModel", "s"},
-          {"repliesMuted", true},
-          {"speechVolumePercent", 80},
-          {"dictationHotkey", "A"}}},
-        {"plain-string hotkey fails the typed decode only",
-         R"({"dictationHotkey":"fn","assistantEnabled":true})",
-         {{"dictationHotkey", "fn"}}},
-        {"raw value label",
-         R"({"dictationHotkey":{"rawValue":"rightCommand"}})",
-         {{"dictationHotkey", "rightCommand"}}},
-        {"hotkey name of the wrong type",
-         R"({"dictationHotkey":{"name":1,"rawValue":"r"},
-             "repliesMuted":true})",
-         {{"dictationHotkey", "r"}}},
-        {"string volume fails everything", R"({"speechVolumePercent":"60","repliesMuted":true})",
-         json::object()},
-        {"fractional device fails everything", R"({"inputDevice":1.5,"repliesMuted":true})",
-         json::object()},
-        {"huge device fails everything",
-         R"({"inputDevice":18446744073709551615,"repliesMuted":true})", json::object()},
-        {"voice of the wrong type fails everything",
-         R"({"agentVoices":{"claude":1},"repliesMuted":true})", json::object()},
-        {"retired voice renamed",
-         R"({"agentVoices":{"claude":"heart2","codex":"x"}})",
-         {{"agentVoices", {{"claude", "tavi"}, {"codex", "x"}}}}},
-        {"engines kept",
-         R"({"correctionEngine":"claudeHaiku"})",
-         {{"correctionEngine", "claudeHaiku"}, {"resolvedWritingEngine", "claudeHaiku"}}},
-        {"unknown engines replaced", R"({"correctionEngine":"remote","writingEngine":"bogus"})",
-         json::object()},
-        {"writing engine of its own",
-         R"({"correctionEngine":"claude:claude-x","writingEngine":"claudeSonnet"})",
-         {{"correctionEngine", "claude:claude-x"},
-          {"writingEngine", "claudeSonnet"},
-          {"resolvedWritingEngine", "claudeSonnet"}}},
+         R"({"assistantBackend":"claude","assistantEnabled":true,"ambientListeningLevel":"",
+             "ambientLearnFromDictation":false,"ambientDucksReplies":true,
+             "assistantTriggerWord":"","assistantName":"Ada","userAddress":"Sir",
+             "userAddressDisabled":true,"inputDeviceIndex":2,"aiCorrectionEnabled":true,
+             "aiWritingEnabled":false,"llmModel":"l","sttModel":"s","repliesMuted":true,
+             "speechVolumePercent":80,"dictationHotkey":"A"})"},
+        // A hotkey the typed decode cannot read still gives its label.
+        {R"({"dictationHotkey":"fn","assistantEnabled":true})", R"({"dictationHotkey":"fn"})"},
+        {R"({"dictationHotkey":{"rawValue":"rightCommand"}})",
+         R"({"dictationHotkey":"rightCommand"})"},
+        {R"({"dictationHotkey":{"name":1,"rawValue":"r"},"repliesMuted":true})",
+         R"({"dictationHotkey":"r"})"},
+        // One mistyped member fails the whole typed decode.
+        {R"({"speechVolumePercent":"60","repliesMuted":true})", "{}"},
+        {R"({"inputDevice":1.5,"repliesMuted":true})", "{}"},
+        {R"({"inputDevice":18446744073709551615,"repliesMuted":true})", "{}"},
+        {R"({"agentVoices":{"claude":1},"repliesMuted":true})", "{}"},
+        {R"({"agentVoices":{"claude":"heart2","codex":"x"}})",  // a retired voice is renamed
+         R"({"agentVoices":{"claude":"tavi","codex":"x"}})"},
+        {R"({"correctionEngine":"claudeHaiku"})",
+         R"({"correctionEngine":"claudeHaiku","resolvedWritingEngine":"claudeHaiku"})"},
+        {R"({"correctionEngine":"remote","writingEngine":"bogus"})", "{}"},
+        {R"({"correctionEngine":"claude:claude-x","writingEngine":"claudeSonnet"})",
+         R"({"correctionEngine":"claude:claude-x","writingEngine":"claudeSonnet",)"
+         R"("resolvedWritingEngine":"claudeSonnet"})"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(c.file);
         json expected = kDefaults;
-        expected.update(c.changes);
+        expected.update(json::parse(c.changes));
         EXPECT_EQ(snapshotOf(c.file), expected);
     }
 }
@@ -106,16 +79,12 @@ TEST(SettingsSnapshotTest, RecognisesClaudeModelIdentifiers) {
     } cases[] = {
         {"claude:claude-opus-4.1[1m]", true},
         {"claude:claude-x", true},
-        {"claude:claude-sonnet-4-5-20250929", true},
         {"claude:claude-", false},
-        {"claude:Claude-x", false},
         {"claude:claude-x-", false},
         {"claude:claude-x..y", false},
         {"claude:claude-x[1m]x", false},
-        {"claude:claude-x[1m][1m]", false},
         {"claude:claude-x\n", false},
         {" claude:claude-x", false},
-        {"remote", false},
         {"claude:claude-" + std::string(153, 'a'), true},   // 167 characters
         {"claude:claude-" + std::string(154, 'a'), false},  // 168 characters
     };

@@ -10,30 +10,21 @@ namespace {
 namespace fs = std::filesystem;
 
 TEST(VersionLookupTest, FindsTheVersionFileBesideTheExecutable) {
+    const std::string none(kFallbackVersion);
     const struct {
-        std::string name;
         std::vector<std::pair<std::string, std::string>> files;  // relative to the root
         std::string program;                                     // relative to the root
         std::string version;
     } cases[] = {
-        {"installed layout", {{"A/Resources/VERSION", "1.4.2\n"}}, "A/B/program", "1.4.2"},
-        {"whitespace-only resources file walks on",
-         {{"A/Resources/VERSION", " \n\t"}, {"A/B/VERSION", "\n2.0\n"}},
-         "A/B/program",
-         "2.0"},
-        {"walk finds a parent's file", {{"a/VERSION", "3.1"}}, "a/b/c/d/e/f/program", "3.1"},
-        {"six directories counting its own",
-         {{"a/VERSION", "3.1"}},
-         "a/b/c/d/e/f/g/program",
-         std::string(kFallbackVersion)},
-        {"not UTF-8 counts as empty",
-         {{"A/Resources/VERSION", "\xFF"}},
-         "A/B/program",
-         std::string(kFallbackVersion)},
-        {"nothing anywhere", {}, "A/B/program", std::string(kFallbackVersion)},
+        {{{"A/Resources/VERSION", "1.4.2\n"}}, "A/B/program", "1.4.2"},  // installed layout
+        {{{"A/Resources/VERSION", " \n\t"}, {"A/B/VERSION", "\n2.0\n"}}, "A/B/program", "2.0"},
+        {{{"a/VERSION", "3.1"}}, "a/b/c/d/e/f/program", "3.1"},
+        {{{"a/VERSION", "3.1"}}, "a/b/c/d/e/f/g/program", none},  // six directories up, no more
+        {{{"A/Resources/VERSION", "\xFF"}}, "A/B/program", none},
+        {{}, "A/B/program", none},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(c.program);
         test::TempDir root;
         for (const auto& [path, contents] : c.files) {
             test::writeFile(root.path() / path, contents);
