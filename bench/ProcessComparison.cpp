@@ -2,12 +2,13 @@
 // other hooks and MCP servers in one run: a hook spawned per tool call, a server's cold start to
 // its first tools/list answer, and its steady pipelined ping rate. bench/report.sh drives it.
 //
-//   orvo_compare hook RUNS INPUT... -- COMMAND...   one process per input, RUNS rounds
-//   orvo_compare start RUNS -- COMMAND...            spawn, initialize, tools/list, stop
-//   orvo_compare ping SECONDS -- COMMAND...          32 pings kept in flight for SECONDS
+//   orvo_compare hook RUNS INPUT... -- COMMAND... [-- COMMAND...]   a process per input, RUNS
+//   rounds orvo_compare start RUNS -- COMMAND... [-- COMMAND...]           spawn, initialize,
+//   tools/list orvo_compare ping SECONDS -- COMMAND...           32 pings kept in flight for
+//   SECONDS
 //
-// Every mode prints one line of tab-separated figures on standard output, or exits 1 with the
-// reason on standard error when the command does not behave like a hook or a server.
+// Every mode prints a line of tab-separated figures per command on standard output, or exits 1
+// with the reason on standard error when a command does not behave like a hook or a server.
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
@@ -291,44 +292,64 @@ std::string readWholeFile(const std::string& path) {
     return text.str();
 }
 
+using Command = std::vector<std::string>;
+
+// Figures of one command over all its runs.
+struct Samples {
+    std::vector<double> micros;
+    long peakKiB = 0;
+
+    void print() const {
+        std::printf("%.1f\t%.1f\t%ld\n", percentile(micros, 0.5), percentile(micros, 0.9), peakKiB);
+    }
+};
+
+// Commands take turns run by run, so that whatever else the machine does falls on all alike.
 int runHook(int runs, const std::vector<std::string>& inputPaths,
-            const std::vector<std::string>& command) {
+            const std::vector<Command>& commands) {
     std::vector<std::string> inputs;
     for (const std::string& path : inputPaths) {
         inputs.push_back(readWholeFile(path));
     }
-    std::vector<double> times;
-    long peakKiB = 0;
+    std::vector<Samples> samples(commands.size());
     for (int round = 0; round < runs; ++round) {
         for (const std::string& input : inputs) {
-            const Clock::time_point start = Clock::now();
-            Process process = Process::spawn(command);
-            (void)process.write(input);
-            process.finish();
-            times.push_back(microsecondsSince(start));
+            for (std::size_t i = 0; i < commands.size(); ++i) {
+                const Clock::time_point start = Clock::now();
+                Process process = Process::spawn(commands[i]);
+                (void)process.write(input);
+                process.finish();
+                samples[i].micros.push_back(microsecondsSince(start));
+            }
         }
     }
-    for (const std::string& input : inputs) {
-        peakKiB = std::max(peakKiB, hookPeakResidentKiB(command, input));
+    for (std::size_t i = 0; i < commands.size(); ++i) {
+        for (const std::string& input : inputs) {
+            samples[i].peakKiB =
+                std::max(samples[i].peakKiB, hookPeakResidentKiB(commands[i], input));
+        }
+        samples[i].print();
     }
-    std::printf("%.1f\t%.1f\t%ld\n", percentile(times, 0.5), percentile(times, 0.9), peakKiB);
     return 0;
 }
 
-int runStart(int runs, const std::vector<std::string>& command) {
-    std::vector<double> times;
-    long peakKiB = 0;
+int runStart(int runs, const std::vector<Command>& commands) {
+    std::vector<Samples> samples(commands.size());
     for (int run = 0; run < runs; ++run) {
-        const Clock::time_point start = Clock::now();
-        Process process = Process::spawn(command);
-        process.send(kOpening);
-        process.awaitAnswer(1);
-        process.awaitAnswer(2);
-        times.push_back(microsecondsSince(start));
-        peakKiB = std::max(peakKiB, orvo::peakResidentKiB(process.pid));
-        process.finish();
+        for (std::size_t i = 0; i < commands.size(); ++i) {
+            const Clock::time_point start = Clock::now();
+            Process process = Process::spawn(commands[i]);
+            process.send(kOpening);
+            process.awaitAnswer(1);
+            process.awaitAnswer(2);
+            samples[i].micros.push_back(microsecondsSince(start));
+            samples[i].peakKiB = std::max(samples[i].peakKiB, orvo::peakResidentKiB(process.pid));
+            process.finish();
+        }
     }
-    std::printf("%.1f\t%.1f\t%ld\n", percentile(times, 0.5), percentile(times, 0.9), peakKiB);
+    for (const Samples& each : samples) {
+        each.print();
+    }
     return 0;
 }
 
@@ -377,33 +398,40 @@ int runPing(double seconds, const std::vector<std::string>& command) {
 
 [[noreturn]] void usage() {
     fail(
-        "usage: orvo_compare hook RUNS INPUT... -- COMMAND... | start RUNS -- COMMAND... | "
-        "ping SECONDS -- COMMAND...");
+        "usage: orvo_compare hook RUNS INPUT... -- COMMAND... [-- COMMAND...] | "
+        "start RUNS -- COMMAND... [-- COMMAND...] | ping SECONDS -- COMMAND...");
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
-    std::vector<std::string> words(argv + 1, argv + argc);
+    const std::vector<std::string> words(argv + 1, argv + argc);
     const auto dashes = std::find(words.begin(), words.end(), "--");
-    if (words.size() < 2 || dashes == words.end() || dashes + 1 == words.end()) {
+    if (words.size() < 2 || dashes == words.end()) {
         usage();
     }
-    const std::vector<std::string> command(dashes + 1, words.end());
     const std::vector<std::string> options(words.begin() + 1, dashes);
-    if (options.empty()) {
+    std::vector<Command> commands;
+    for (auto word = dashes; word != words.end(); ++word) {
+        if (*word == "--") {
+            commands.emplace_back();
+        } else {
+            commands.back().push_back(*word);
+        }
+    }
+    if (options.empty() || std::ranges::any_of(commands, &Command::empty)) {
         usage();
     }
     const std::string& mode = words[0];
     if (mode == "hook" && options.size() >= 2) {
-        return runHook(std::stoi(options[0]), {options.begin() + 1, options.end()}, command);
+        return runHook(std::stoi(options[0]), {options.begin() + 1, options.end()}, commands);
     }
     if (mode == "start" && options.size() == 1) {
-        return runStart(std::stoi(options[0]), command);
+        return runStart(std::stoi(options[0]), commands);
     }
-    if (mode == "ping" && options.size() == 1) {
-        return runPing(std::stod(options[0]), command);
+    if (mode == "ping" && options.size() == 1 && commands.size() == 1) {
+        return runPing(std::stod(options[0]), commands.front());
     }
     usage();
 }

@@ -40,24 +40,28 @@ measure() {
 
     hook_calls=(bench/hook-calls/*.json)
 
-    # label | language | rounds over every call | command
-    hooks=(
-        "/bin/true (the cost of a process)|C|40|/bin/true"
-        "orvo-agent-mcp --action-hold-hook|C++|40|$orvo --action-hold-hook"
-        "cc-safety-net 2.4.5|Node.js|3|node $modules/cc-safety-net/dist/bin/cc-safety-net.js hook --claude-code"
+    # label | language | command. Each group takes turns run by run (see orvo_compare), so that
+    # the programs compared most closely see the same machine.
+    fast_hooks=(
+        "/bin/true (the cost of a process)|C|/bin/true"
+        "orvo-agent-mcp --action-hold-hook|C++|$orvo --action-hold-hook"
     )
-    # label | language | cold starts | command
-    servers=(
-        "orvo-agent-mcp|C++|200|$orvo"
-        "kanoniv-mcp 0.3.7|Rust|30|$modules/@kanoniv/mcp-linux-x64/kanoniv-mcp"
-        "leanspec-mcp 0.3.0|Rust|30|$modules/@leanspec/mcp-linux-x64/leanspec-mcp"
-        "vaulttools-mcp 0.1.7|Rust|30|$modules/@vaulttools/mcp-linux-x64/bin/vaulttools-mcp --allowed-dir $scratch/files"
-        "mcp-time 0.4.0|Go|30|$modules/mcp-time-linux-x64/bin/mcp-time"
-        "mcp-cron 0.9.1|Go|30|$modules/mcp-cron-linux-amd64/bin/mcp-cron -transport stdio -db-path $scratch/files/cron.db"
-        "server-everything 2026.8.31|Node.js|10|node $modules/@modelcontextprotocol/server-everything/dist/index.js stdio"
-        "server-memory 2026.8.31|Node.js|10|node $modules/@modelcontextprotocol/server-memory/dist/index.js"
-        "server-filesystem 2026.8.31|Node.js|10|node $modules/@modelcontextprotocol/server-filesystem/dist/index.js $scratch/files"
-        "server-sequential-thinking 2026.8.31|Node.js|10|node $modules/@modelcontextprotocol/server-sequential-thinking/dist/index.js"
+    npm_hooks=(
+        "cc-safety-net 2.4.5|Node.js|node $modules/cc-safety-net/dist/bin/cc-safety-net.js hook --claude-code"
+    )
+    native_servers=(
+        "orvo-agent-mcp|C++|$orvo"
+        "kanoniv-mcp 0.3.7|Rust|$modules/@kanoniv/mcp-linux-x64/kanoniv-mcp"
+        "leanspec-mcp 0.3.0|Rust|$modules/@leanspec/mcp-linux-x64/leanspec-mcp"
+        "vaulttools-mcp 0.1.7|Rust|$modules/@vaulttools/mcp-linux-x64/bin/vaulttools-mcp --allowed-dir $scratch/files"
+        "mcp-time 0.4.0|Go|$modules/mcp-time-linux-x64/bin/mcp-time"
+        "mcp-cron 0.9.1|Go|$modules/mcp-cron-linux-amd64/bin/mcp-cron -transport stdio -db-path $scratch/files/cron.db"
+    )
+    node_servers=(
+        "server-everything 2026.8.31|Node.js|node $modules/@modelcontextprotocol/server-everything/dist/index.js stdio"
+        "server-memory 2026.8.31|Node.js|node $modules/@modelcontextprotocol/server-memory/dist/index.js"
+        "server-filesystem 2026.8.31|Node.js|node $modules/@modelcontextprotocol/server-filesystem/dist/index.js $scratch/files"
+        "server-sequential-thinking 2026.8.31|Node.js|node $modules/@modelcontextprotocol/server-sequential-thinking/dist/index.js"
     )
     chmod +x "$modules"/*/bin/* "$modules"/@*/*/bin/* "$modules"/@*/*/*-mcp 2>/dev/null || true
 
@@ -65,24 +69,39 @@ measure() {
     to_ms() { awk -v us="$1" 'BEGIN { printf "%.3f", us / 1000 }'; }
     to_mib() { awk -v kib="$1" 'BEGIN { printf "%.1f", kib / 1024 }'; }
 
-    for entry in "${hooks[@]}"; do
-        IFS='|' read -r label language rounds command <<<"$entry"
-        echo "hook: $label" >&2
-        # shellcheck disable=SC2086 # the command's words are meant to split
-        read -r median p90 peak < <("$compare" hook "$rounds" "${hook_calls[@]}" -- $command)
-        printf 'hook\t%s\t%s\t%s\t%s\t%s\t\n' "$label" "$language" "$(to_ms "$median")" \
-            "$(to_ms "$p90")" "$(to_mib "$peak")" >>"$results"
-    done
-    for entry in "${servers[@]}"; do
-        IFS='|' read -r label language runs command <<<"$entry"
-        echo "server: $label" >&2
-        # shellcheck disable=SC2086
-        read -r median p90 _ < <("$compare" start "$runs" -- $command)
-        # shellcheck disable=SC2086
-        read -r rate peak < <("$compare" ping 3 -- $command)
-        printf 'server\t%s\t%s\t%s\t%s\t%s\t%s\n' "$label" "$language" "$(to_ms "$median")" \
-            "$(to_ms "$p90")" "$(to_mib "$peak")" "$rate" >>"$results"
-    done
+    # measure_group hook|server RUNS ENTRY...: appends a line of results per entry.
+    measure_group() {
+        local kind=$1 runs=$2
+        shift 2
+        local entries=("$@") commands=() lines=() label language command words i
+        for entry in "${entries[@]}"; do
+            IFS='|' read -r label language command <<<"$entry"
+            read -ra words <<<"$command"
+            commands+=(-- "${words[@]}")
+        done
+        echo "$kind: ${#entries[@]} programs, $runs runs each" >&2
+        if [ "$kind" = hook ]; then
+            mapfile -t lines < <("$compare" hook "$runs" "${hook_calls[@]}" "${commands[@]}")
+        else
+            mapfile -t lines < <("$compare" start "$runs" "${commands[@]}")
+        fi
+        [ ${#lines[@]} -eq ${#entries[@]} ] || { echo "orvo_compare failed" >&2; exit 1; }
+        for i in "${!entries[@]}"; do
+            IFS='|' read -r label language command <<<"${entries[$i]}"
+            read -r median p90 peak <<<"${lines[$i]}"
+            rate=
+            if [ "$kind" = server ]; then
+                read -ra words <<<"$command"
+                read -r rate peak < <("$compare" ping 3 -- "${words[@]}")
+            fi
+            printf '%s\t%s\t%s\t%s\t%s\t%s\t%s\n' "$kind" "$label" "$language" \
+                "$(to_ms "$median")" "$(to_ms "$p90")" "$(to_mib "$peak")" "$rate" >>"$results"
+        done
+    }
+    measure_group hook 40 "${fast_hooks[@]}"
+    measure_group hook 3 "${npm_hooks[@]}"
+    measure_group server 100 "${native_servers[@]}"
+    measure_group server 10 "${node_servers[@]}"
 
     mkdir -p "$report"
     cp "$results" "$report/results.tsv"
