@@ -1,6 +1,7 @@
 // The configuration in docs/agents.md, run as written: the agents' commands against the real
 // binary, and the hook fed the input Claude Code sends, its decision read as Claude Code reads it.
 #include <algorithm>
+#include <regex>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -36,20 +37,6 @@ std::vector<std::string> words(const std::string& line) {
     return result;
 }
 
-// The `key = value` lines of a TOML block whose values are all JSON as well (strings, numbers,
-// arrays of strings), as one object.
-json tomlTable(const std::string& block) {
-    json table = json::object();
-    std::istringstream lines(block);
-    for (std::string line; std::getline(lines, line);) {
-        const std::size_t equals = line.find(" = ");
-        if (equals != std::string::npos) {
-            table[line.substr(0, equals)] = json::parse(line.substr(equals + 3), nullptr, false);
-        }
-    }
-    return table;
-}
-
 class AgentConfigurationTest : public UserAppTest {
 protected:
     // The `_agent` that reaches the app from a server started with `arguments`.
@@ -83,13 +70,16 @@ TEST_F(AgentConfigurationTest, TheDocumentedServersTellTheAppWhichAgentCalls) {
 
     const std::vector<std::string> toml = codeBlocks(page_, "toml");
     ASSERT_EQ(toml.size(), 1u);
-    ASSERT_TRUE(toml[0].starts_with("[mcp_servers.orvo]\n"));
-    json codex = tomlTable(toml[0]);
-    EXPECT_EQ(codex["command"], kPlaceholder);
-    ASSERT_TRUE(codex["args"].is_array()) << codex;
-    EXPECT_EQ(agentSeenByTheApp(codex["args"].get<std::vector<std::string>>()), "codex");
+    std::smatch codex;
+    ASSERT_TRUE(std::regex_match(toml[0], codex,
+                                 std::regex(R"re(\[mcp_servers\.orvo\]\ncommand = "(.*)"\n)re"
+                                            R"re(args = (.*)\ntool_timeout_sec = (\d+)\n)re")))
+        << toml[0];
+    EXPECT_EQ(codex[1], kPlaceholder);
+    EXPECT_EQ(agentSeenByTheApp(json::parse(codex[2].str()).get<std::vector<std::string>>()),
+              "codex");
     // Codex abandons a tool call at this limit; the app may take the longest for computer use.
-    EXPECT_GE(codex.value("tool_timeout_sec", 0), MCPReplyTimeout::seconds("computer_inspect"));
+    EXPECT_GE(std::stoi(codex[3]), MCPReplyTimeout::seconds("computer_inspect"));
 }
 
 TEST_F(AgentConfigurationTest, TheDocumentedHookGivesClaudeCodeTheOwnersDecision) {

@@ -36,47 +36,29 @@ protected:
     }
 };
 
-TEST_F(HookProcessTest, EachOutcomeAsTheAgentSeesIt) {
-    const std::string fixedDeny =
-        R"({"hookSpecificOutput":{"hookEventName":"PreToolUse","permissionDecision":"deny","permissionDecisionReason":"Orvo did not answer while this was waiting, so it did not run. Do not retry it unless the owner asks again."}})"
-        "\n";
-    const struct {
-        std::string name;
-        std::optional<FakeReply> reply;  // none: the app is not running
-        std::string output;
-        std::string log;
-    } cases[] = {
-        {"allowed", successReply({{"decision", "allow"}}), "", ""},
-        // A refusal with its reason is the documented hook's own test.
-        {"failed closed", successReply({{"decision", "maybe"}}), fixedDeny,
-         "orvo-agent action hold: unknown action hold decision maybe; not running it\n"},
-        // Last: the app is gone from here on.
-        {"failed open", std::nullopt, "",
-         "orvo-agent action hold: Orvo app is not running \u2014 open the app and try again.; "
-         "allowing\n"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        if (!c.reply) {
-            app_.reset();
-        } else {
-            app_->on("action_hold", *c.reply);
-        }
-        const Run run = runHook();
-        EXPECT_EQ(run.status, 0);
-        EXPECT_EQ(run.output, c.output);
-        EXPECT_EQ(run.log, c.log);
-    }
-}
-
-TEST_F(HookProcessTest, SendsTheMatchesToolAndTokenAsTheAgentsUser) {
+// A refusal through the process is the documented hook's test, the other outcomes the hook's
+// unit tests.
+TEST_F(HookProcessTest, AnAllowedCallRunsSilentlyAfterTheMatchesToolAndTokenAreSent) {
     app_->on("action_hold", successReply({{"decision", "allow"}}));
-    EXPECT_EQ(runHook().status, 0);
+    const Run run = runHook();
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.output, "");
+    EXPECT_EQ(run.log, "");
     ASSERT_EQ(app_->received().size(), 1u);
     EXPECT_EQ(app_->received()[0].request["args"],
               json::parse(R"({"matches":[{"base":"Force-push the branch","category":"publishing",
                   "detail":"git push --force origin main","progressive":"Force-pushing the branch"}],
                   "token":"tok","tool":"Bash"})"));
+}
+
+TEST_F(HookProcessTest, AMissingAppFailsOpenWithOneLineOnStandardError) {
+    app_.reset();
+    const Run run = runHook();
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.output, "");
+    EXPECT_EQ(run.log,
+              "orvo-agent action hold: Orvo app is not running \u2014 open the app and try again.; "
+              "allowing\n");
 }
 
 TEST_F(HookProcessTest, AnAgentThatExitsWhileTheOwnerDecidesEndsTheHookQuietly) {

@@ -1,5 +1,5 @@
 // The preference tools through the real binary, run as a throwaway user: what the audit log
-// records, what the cue does, and that no crash or race ever leaves a torn file.
+// records, what the cue does, and that no crash ever leaves a torn file.
 #include <random>
 #include <regex>
 #include <set>
@@ -112,7 +112,9 @@ TEST_F(PreferencesSessionTest, EveryCallAnsweredBeforeEndOfInputIsInTheAuditLog)
     EXPECT_EQ(auditRecords().size(), 59u);
 }
 
-TEST_F(PreferencesSessionTest, ABurstOfReadsCuesTheAppOnceUnlessSilenced) {
+// Throttling and silencing are the audit log's unit tests; this is the wiring from the
+// environment and from a local-file read to the app.
+TEST_F(PreferencesSessionTest, AReadCuesTheAppUnlessSilenced) {
     for (const bool silenced : {true, false}) {
         SCOPED_TRACE(silenced ? "ORVO_MCP_AUDIBLE=0" : "ORVO_MCP_AUDIBLE unset");
         ProcessOptions options = asUser();
@@ -121,10 +123,8 @@ TEST_F(PreferencesSessionTest, ABurstOfReadsCuesTheAppOnceUnlessSilenced) {
             options.environment = {{"ORVO_MCP_AUDIBLE", "0"}};
         }
         ServerProcess server(options);
-        for (int id = 1; id <= 3; ++id) {
-            server.sendLine(callLine(id, "read_preferences"));
-            EXPECT_EQ(resultOf(server.readLine()), json({{"content", ""}, {"char_count", 0}}));
-        }
+        server.sendLine(callLine(1, "read_preferences"));
+        EXPECT_EQ(resultOf(server.readLine()), json({{"content", ""}, {"char_count", 0}}));
         app_->waitForRequests(1, std::chrono::seconds(silenced ? 1 : 10));
         std::this_thread::sleep_for(std::chrono::milliseconds(300));
         const std::vector<ReceivedRequest> received = app_->received();
@@ -133,9 +133,6 @@ TEST_F(PreferencesSessionTest, ABurstOfReadsCuesTheAppOnceUnlessSilenced) {
             EXPECT_EQ(received[0].line,
                       R"({"args":{"_agent":"claude"},"method":"connected_app_activity_cue"})");
         }
-        server.closeInput();
-        EXPECT_EQ(server.waitForExit(), 0);
-        EXPECT_EQ(auditRecords().size(), silenced ? 3u : 6u);
     }
 }
 
@@ -179,36 +176,6 @@ TEST_F(PreferencesSessionTest, UnreadableOrUnwritablePlacesLeaveTheFileAsItWas) 
         EXPECT_EQ(readAll(notes_), "- kept\n");
         EXPECT_TRUE(temporaries().empty());
         fs::remove_all(directory_);
-    }
-}
-
-TEST_F(PreferencesSessionTest, ConcurrentServersLoseAtMostWholeNotesNeverTheFile) {
-    constexpr int kServers = 3;
-    constexpr int kNotesEach = 10;
-    std::vector<std::unique_ptr<ServerProcess>> servers;
-    for (int p = 0; p < kServers; ++p) {
-        servers.push_back(std::make_unique<ServerProcess>(asUser()));
-    }
-    // Every request is in the pipes before any answer is read, so the servers race for real.
-    for (int n = 0; n < kNotesEach; ++n) {
-        for (int p = 0; p < kServers; ++p) {
-            servers[static_cast<std::size_t>(p)]->sendLine(
-                callLine(n, "remember_preference", {{"note", noteText(p, n)}}));
-        }
-    }
-    for (auto& server : servers) {
-        for (int n = 0; n < kNotesEach; ++n) {
-            EXPECT_TRUE(isOk(resultOf(server->readLine())));
-        }
-        server->closeInput();
-        EXPECT_EQ(server->waitForExit(), 0);
-    }
-    EXPECT_FALSE(parseNotes(readAll(notes_)).empty());
-    EXPECT_TRUE(temporaries().empty());
-    const std::vector<std::string> records = auditRecords();
-    EXPECT_EQ(records.size(), static_cast<std::size_t>(kServers * kNotesEach));
-    for (const std::string& record : records) {
-        EXPECT_FALSE(json::parse(record, nullptr, false).is_discarded()) << record;
     }
 }
 

@@ -11,8 +11,6 @@
 
 #include "support/ServerProcess.h"
 #include "support/ThrowawayUser.h"
-#include "tools/ToolCatalog.h"
-#include "tools/ToolRegistry.h"
 
 namespace orvo::test {
 namespace {
@@ -64,7 +62,6 @@ protected:
 };
 
 TEST_F(SDKClientTest, AcceptsEveryResponseOfAWholeSession) {
-    user_->writeHomeFile(".config/orvo-agent/settings.json", R"({"speechVolumePercent":35})");
     ProcessOptions options;
     options.program = node_->string();
     options.arguments = {(kInteropDirectory / "client.mjs").string(), ORVO_BINARY_PATH};
@@ -84,15 +81,8 @@ TEST_F(SDKClientTest, AcceptsEveryResponseOfAWholeSession) {
     ASSERT_EQ(version["content"].size(), 1u) << version;
     EXPECT_EQ(session["serverInfo"],
               json({{"name", "orvo-agent"}, {"version", version["content"][0]["text"]}}));
-    EXPECT_EQ(session["capabilities"],
-              json::parse(R"({"prompts":{"listChanged":false},"tools":{"listChanged":true}})"));
-
-    const ToolRegistry registry = ToolRegistry::assemble(registeredTools(), {});
-    std::vector<std::string> expectedTools;
-    for (const MCPTool* tool : registry.tools()) {
-        expectedTools.emplace_back(tool->name());
-    }
-    EXPECT_EQ(session["tools"], json(expectedTools));
+    // The tools, capabilities and settings are ServerSessionTest's; what matters here is that
+    // the SDK accepted every answer.
     ASSERT_EQ(session["prompts"].size(), 1u);
     EXPECT_EQ(session["prompts"][0]["name"], "speak_every_reply");
     EXPECT_EQ(
@@ -100,12 +90,6 @@ TEST_F(SDKClientTest, AcceptsEveryResponseOfAWholeSession) {
         json::parse(
             R"([{"role":"user","content":{"type":"text","text":"For this session, use the Orvo MCP `speak` tool on every assistant turn until I explicitly say “stop speaking.”"}}])"));
 
-    // The settings come from the throwaway home: the server ran as its user.
-    const json& settings = session["settings"];
-    ASSERT_EQ(settings["content"].size(), 1u) << settings;
-    EXPECT_EQ(json::parse(settings["content"][0]["text"].get<std::string>(), nullptr, false)
-                  .value("speechVolumePercent", 0),
-              35);
     // No app is running for the throwaway user.
     EXPECT_FALSE(session.contains("forwarded")) << session["forwarded"];
     EXPECT_EQ(session["forwardedError"],

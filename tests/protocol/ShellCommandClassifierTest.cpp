@@ -119,7 +119,6 @@ TEST(ShellCommandClassifierTest, NestedTextIsReadThreeLevelsDeep) {
         {"echo $(echo $(echo $(echo $(git push))))", ""},
         {"eval eval eval git push", kPush},
         {"eval eval eval eval git push", ""},
-        {"python3 -m twine upload dist/*", "publishing|Publishing the package|Publish the package"},
     });
 }
 

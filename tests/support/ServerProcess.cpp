@@ -56,7 +56,6 @@ ServerProcess::ServerProcess(ProcessOptions options) {
         envp.push_back(entry.data());
     }
     envp.push_back(nullptr);
-    const std::string directory = options.workingDirectory.string();
 
     pid_ = ::fork();
     if (pid_ < 0) {
@@ -72,7 +71,7 @@ ServerProcess::ServerProcess(ProcessOptions options) {
         if (options.uid && ::setuid(*options.uid) != 0) {
             ::_exit(126);
         }
-        if (::chdir(directory.c_str()) != 0) {
+        if (::chdir("/") != 0) {
             ::_exit(126);
         }
         ::execve(argv[0], argv.data(), envp.data());
@@ -89,11 +88,7 @@ ServerProcess::ServerProcess(ProcessOptions options) {
 
 ServerProcess::~ServerProcess() {
     closeInput();
-    if (!exitStatus_ && pid_ > 0) {
-        ::kill(pid_, SIGKILL);
-        int status = 0;
-        ::waitpid(pid_, &status, 0);
-    }
+    kill();
     closeFd(output_);
     closeFd(error_);
 }

@@ -23,7 +23,6 @@ struct ProcessOptions {
     std::vector<std::pair<std::string, std::string>> environment;  // besides PATH
     std::optional<uid_t> uid;                                      // run as this user (needs root)
     std::optional<gid_t> gid;
-    std::filesystem::path workingDirectory = "/";
 };
 
 class ServerProcess {
