@@ -129,11 +129,12 @@ std::optional<HeldAction> publishingByName(std::string_view name) {
 bool namesMutation(std::string_view text) {
     constexpr std::string_view kWord = "mutation";
     for (std::size_t at = text.find(kWord); at != npos; at = text.find(kWord, at + 1)) {
-        const bool startsWord = at == 0 || !std::isalpha(static_cast<unsigned char>(text[at - 1]));
+        const bool startsWord =
+            at == 0 || std::isalpha(static_cast<unsigned char>(text[at - 1])) == 0;
         const std::size_t after = at + kWord.size();
         const bool endsWord =
             after == text.size() ||
-            !(std::isalnum(static_cast<unsigned char>(text[after])) || text[after] == '_');
+            !(std::isalnum(static_cast<unsigned char>(text[after])) != 0 || text[after] == '_');
         if (startsWord && endsWord) {
             return true;
         }

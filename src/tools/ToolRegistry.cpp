@@ -56,10 +56,11 @@ const MCPTool* ToolRegistry::find(std::string_view name) const {
 
 json listingEntry(const MCPTool& tool) {
     const MCPToolMetadata* metadata = toolMetadata(tool.name());
-    return json{{"name", tool.name()},
-                {"description", tool.description()},
-                {"inputSchema", tool.inputSchema()},
-                {"annotations", metadata ? metadata->annotations.encode() : json::object()}};
+    return json{
+        {"name", tool.name()},
+        {"description", tool.description()},
+        {"inputSchema", tool.inputSchema()},
+        {"annotations", metadata != nullptr ? metadata->annotations.encode() : json::object()}};
 }
 
 const json& emptyInputSchema() {
