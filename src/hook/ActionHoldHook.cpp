@@ -20,7 +20,7 @@ namespace {
 
 // Agents hand the hook the whole tool input, file contents included; beyond this it is not a
 // tool call we can read, and an unreadable call is let through.
-constexpr std::size_t kMaxHookInputBytes = 64 * 1024 * 1024;
+constexpr std::size_t kMaxHookInputBytes = std::size_t{64} * 1024 * 1024;
 // No agent nests a tool call this deep; hostile nesting is refused before it costs anything.
 constexpr int kMaxHookInputDepth = 256;
 

@@ -13,7 +13,14 @@ namespace orvo {
 namespace {
 
 // Reading in blocks gives the same lines as reading byte by byte, at a fraction of the calls.
-constexpr std::size_t kBlockBytes = 64 * 1024;
+constexpr std::size_t kBlockBytes = std::size_t{64} * 1024;
+
+std::optional<std::string_view> finish(std::string_view line) {
+    if (!isValidUTF8(line)) {
+        return std::string_view{};
+    }
+    return line;
+}
 
 }  // namespace
 
@@ -33,13 +40,6 @@ bool LineReader::fill() {
         end_ = static_cast<std::size_t>(n);
         return true;
     }
-}
-
-std::optional<std::string_view> LineReader::finish(std::string_view line) {
-    if (!isValidUTF8(line)) {
-        return std::string_view{};
-    }
-    return line;
 }
 
 std::optional<std::string_view> LineReader::next() {
