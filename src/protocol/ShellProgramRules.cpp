@@ -15,6 +15,7 @@ using namespace ShellWords;
 using namespace ShellPhrases;
 using enum ActionHoldCategory;
 
+// NOLINTNEXTLINE(readability-identifier-naming): std::string_view::npos, under its own name
 constexpr std::size_t npos = std::string_view::npos;
 
 HeldAction held(const PhraseText& phrase, ActionHoldCategory category) {
