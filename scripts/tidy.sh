@@ -3,6 +3,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+scripts/install-deps.sh clang-tidy
 # The ci build's compile commands give clang-tidy each file's flags; configuring again picks up
 # files added since.
 cmake --preset ci >/dev/null
