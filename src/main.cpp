@@ -10,6 +10,7 @@
 int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv, argv + argc);
     const orvo::StartupSettings settings = orvo::readStartupSettings(
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): read before any thread starts
         arguments, std::getenv("ORVO_ASSISTANT_ORIGIN"), std::getenv("ORVO_MCP_AUDIBLE"));
     if (settings.hookMode) {
         orvo::runActionHoldHook(settings.agentName, settings.assistantOrigin);

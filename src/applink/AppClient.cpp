@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -35,7 +36,8 @@ timeval toTimeval(std::chrono::milliseconds duration) {
 }  // namespace
 
 std::string errnoDescription(int error) {
-    return std::string(std::strerror(error)) + " (errno " + std::to_string(error) + ")";
+    // strerror's buffer is shared between threads; the category's message is the same text.
+    return std::generic_category().message(error) + " (errno " + std::to_string(error) + ")";
 }
 
 AppClient::AppClient(AppClientOptions options) : options_(std::move(options)) {}

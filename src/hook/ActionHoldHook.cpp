@@ -2,10 +2,10 @@
 #include "hook/ActionHoldHook.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 
 #include <poll.h>
-#include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -20,7 +20,7 @@ namespace {
 
 // Agents hand the hook the whole tool input, file contents included; beyond this it is not a
 // tool call we can read, and an unreadable call is let through.
-constexpr std::size_t kMaxHookInputBytes = 64 * 1024 * 1024;
+constexpr std::size_t kMaxHookInputBytes = std::size_t{64} * 1024 * 1024;
 // No agent nests a tool call this deep; hostile nesting is refused before it costs anything.
 constexpr int kMaxHookInputDepth = 256;
 
@@ -193,17 +193,18 @@ HookResult runHook(std::string_view input, const AppClient& app,
 
 void runActionHoldHook(const std::optional<std::string>& agentName, bool assistantOrigin) {
     // An agent that stops reading our answer must not kill the hook with a signal.
-    ::signal(SIGPIPE, SIG_IGN);
+    (void)std::signal(SIGPIPE, SIG_IGN);
     HookResult result;
     try {
         const pid_t agent = ::getppid();
         const AppClient app(AppClientOptions{userHomeDirectory(), agentName, assistantOrigin, {}});
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): the hook runs on one thread
         const char* token = std::getenv(std::string(ActionHoldWire::kTokenEnvKey).c_str());
         const HoldWait wait{std::chrono::milliseconds(500),
                             std::chrono::seconds(ActionHoldWire::kReplyTimeoutSeconds),
                             [agent] { return ::getppid() == agent; }};
         result = runHook(readAllInput(), app,
-                         token ? std::optional<std::string>(token) : std::nullopt, wait);
+                         token != nullptr ? std::optional<std::string>(token) : std::nullopt, wait);
     } catch (const std::exception& error) {
         // Nothing was asked, so nothing is refused: the call goes on as if there were no hook.
         result = HookResult{{}, {std::string(error.what()) + "; allowing"}};
@@ -223,7 +224,7 @@ void runActionHoldHook(const std::optional<std::string>& agentName, bool assista
         }
         written += static_cast<std::size_t>(n);
     }
-    std::exit(0);
+    std::exit(0);  // NOLINT(concurrency-mt-unsafe): no other thread was started
 }
 
 }  // namespace orvo

@@ -49,7 +49,7 @@ std::optional<ActionHoldMatch> ActionHoldMatch::decode(const json& value) {
     std::optional<ActionHoldCategory> category = categoryMember(value);
     const json* phraseValue = objectMember(value, "phrase");
     std::optional<ActionHoldPhrase> phrase =
-        phraseValue ? ActionHoldPhrase::decode(*phraseValue) : std::nullopt;
+        phraseValue != nullptr ? ActionHoldPhrase::decode(*phraseValue) : std::nullopt;
     std::optional<std::string_view> detail = stringMember(value, "detail");
     if (!category || !phrase || !detail) {
         return std::nullopt;

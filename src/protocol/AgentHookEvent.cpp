@@ -120,9 +120,10 @@ public:
     }
 
     const json& object(const json& parent, std::string_view key) {
+        static const json kEmpty = json::object();
         const json* value = objectMember(parent, key);
         ok = ok && value != nullptr;
-        return value != nullptr ? *value : empty_;
+        return value != nullptr ? *value : kEmpty;
     }
 
 private:
@@ -131,8 +132,6 @@ private:
         const json* value = member(object, key);
         return value != nullptr && !value->is_null() ? value : nullptr;
     }
-
-    const json empty_ = json::object();
 };
 
 AgentHookProcess decodeProcess(Reader& reader, const json& object) {

@@ -45,7 +45,7 @@ MCPMutationDecodeResult decodeMCPMutationResponse(std::string_view bytes) {
         code ? mutationErrorCode(*code).value_or(MCPMutationErrorCode::internal_error)
              : MCPMutationErrorCode::internal_error,
         std::string(stringMember(*error, "message").value_or("Unknown error")),
-        data ? std::optional<json>(*data) : std::nullopt};
+        data != nullptr ? std::optional<json>(*data) : std::nullopt};
 }
 
 Result<json> mutationOutcome(MCPMutationDecodeResult decoded) {

@@ -84,6 +84,7 @@ int seconds(std::string_view method);
 
 namespace MCPTransportCancellation {
 // Tells the app to watch the connection and abandon the call when the client half-closes it.
+// NOLINTNEXTLINE(readability-identifier-naming): the app uses this name too
 inline constexpr std::string_view argumentKey = "_cancelOnDisconnect";
 }  // namespace MCPTransportCancellation
 

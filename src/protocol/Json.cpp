@@ -18,16 +18,20 @@ public:
     bool tooDeep() const { return deepest_ > maxDepth_; }
     json::value_t topLevel() const { return topLevel_; }
 
+    // NOLINTBEGIN(readability-identifier-naming, readability-convert-member-functions-to-static)
+    // nlohmann's SAX parser calls these by its own names, on the builder it is given.
     bool null() { return scalar(nullptr); }
     bool boolean(bool value) { return scalar(value); }
     bool number_integer(json::number_integer_t value) { return scalar(value); }
     bool number_unsigned(json::number_unsigned_t value) { return scalar(value); }
-    bool number_float(json::number_float_t value, const std::string&) { return scalar(value); }
+    bool number_float(json::number_float_t value, const std::string& /*text*/) {
+        return scalar(value);
+    }
     bool string(std::string& value) { return scalar(std::move(value)); }
-    bool binary(json::binary_t&) { return false; }  // not produced by the text format
+    bool binary(json::binary_t& /*value*/) { return false; }  // not produced by the text format
 
-    bool start_object(std::size_t) { return open(json::value_t::object); }
-    bool start_array(std::size_t) { return open(json::value_t::array); }
+    bool start_object(std::size_t /*elements*/) { return open(json::value_t::object); }
+    bool start_array(std::size_t /*elements*/) { return open(json::value_t::array); }
     bool end_object() { return close(); }
     bool end_array() { return close(); }
 
@@ -38,9 +42,11 @@ public:
         return true;
     }
 
-    bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) {
+    bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
+                     const nlohmann::detail::exception& /*error*/) {
         return false;
     }
+    // NOLINTEND(readability-identifier-naming, readability-convert-member-functions-to-static)
 
 private:
     void noteDepth(int depth) { deepest_ = std::max(deepest_, depth); }

@@ -11,10 +11,12 @@
 namespace orvo {
 
 // Keys are kept sorted (std::map), which is the order every writer here needs.
-using json = nlohmann::json;
+using json = nlohmann::json;  // NOLINT(readability-identifier-naming): the library's own name
 
 enum class JsonParseStatus { ok, invalid, tooDeep };
 
+// json() is noexcept; nlohmann suppresses the same finding on it, whose throw is unreachable.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 struct BoundedParse {
     JsonParseStatus status = JsonParseStatus::invalid;
     json value;  // the whole document when status is ok, null otherwise

@@ -39,7 +39,7 @@ std::string normalisedToolName(std::string_view name) {
         if (isUpper(c) && i > 0 && !out.empty() && out.back() != '_') {
             const char before = name[i - 1];
             const bool afterLower =
-                isLower(before) || std::isdigit(static_cast<unsigned char>(before));
+                isLower(before) || std::isdigit(static_cast<unsigned char>(before)) != 0;
             const bool endsCapitals =
                 isUpper(before) && i + 1 < name.size() && isLower(name[i + 1]);
             if (afterLower || endsCapitals) {

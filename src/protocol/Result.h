@@ -22,6 +22,7 @@ public:
         : state_(other ? State(std::in_place_index<0>, T(std::move(*other)))
                        : State(std::in_place_index<1>, std::move(other).error())) {}
 
+    // NOLINTNEXTLINE(readability-identifier-naming): std::expected's name, for the later rename
     bool has_value() const { return state_.index() == 0; }
     explicit operator bool() const { return has_value(); }
 

@@ -15,6 +15,7 @@ namespace {
 
 using namespace ShellWords;
 
+// NOLINTNEXTLINE(readability-identifier-naming): std::string_view::npos, under its own name
 constexpr std::size_t npos = std::string_view::npos;
 
 // Text nested deeper than this (a shell in a shell in a shell in a shell) is not read, which
@@ -251,6 +252,8 @@ struct Command {
     const ShellSegment* previous;
 };
 
+// Nested text is read by recursion, at most kDeepestNestedText levels deep.
+// NOLINTBEGIN(misc-no-recursion)
 class CommandReader {
 public:
     std::vector<FoundAction> found;
@@ -392,6 +395,7 @@ private:
         }
     }
 };
+// NOLINTEND(misc-no-recursion)
 
 bool isForcePush(const ActionHoldPhrase& phrase) {
     return phrase.progressive == ShellPhrases::kForcePush.progressive &&

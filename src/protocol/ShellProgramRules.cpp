@@ -15,6 +15,7 @@ using namespace ShellWords;
 using namespace ShellPhrases;
 using enum ActionHoldCategory;
 
+// NOLINTNEXTLINE(readability-identifier-naming): std::string_view::npos, under its own name
 constexpr std::size_t npos = std::string_view::npos;
 
 HeldAction held(const PhraseText& phrase, ActionHoldCategory category) {
@@ -129,11 +130,12 @@ std::optional<HeldAction> publishingByName(std::string_view name) {
 bool namesMutation(std::string_view text) {
     constexpr std::string_view kWord = "mutation";
     for (std::size_t at = text.find(kWord); at != npos; at = text.find(kWord, at + 1)) {
-        const bool startsWord = at == 0 || !std::isalpha(static_cast<unsigned char>(text[at - 1]));
+        const bool startsWord =
+            at == 0 || std::isalpha(static_cast<unsigned char>(text[at - 1])) == 0;
         const std::size_t after = at + kWord.size();
         const bool endsWord =
             after == text.size() ||
-            !(std::isalnum(static_cast<unsigned char>(text[after])) || text[after] == '_');
+            !(std::isalnum(static_cast<unsigned char>(text[after])) != 0 || text[after] == '_');
         if (startsWord && endsWord) {
             return true;
         }
@@ -243,76 +245,93 @@ struct WebRequest {
     std::vector<std::string_view> urls;
 };
 
+// A short option cluster of curl or wget: letters until one that takes a value, which is the
+// rest of the cluster or else the next word, `following`. True when it took `following`.
+bool readShortOptions(WebClient client, std::string_view cluster, std::string_view following,
+                      WebRequest& request) {
+    const std::string_view valueLetters =
+        client == WebClient::curl ? kCurlValueOptionLetters : kWgetValueOptionLetters;
+    for (std::size_t j = 1; j < cluster.size(); ++j) {
+        const char letter = cluster[j];
+        if (client == WebClient::curl && (letter == 'G' || letter == 'I')) {
+            request.readOnly = true;
+        }
+        if (valueLetters.find(letter) == npos) {
+            continue;
+        }
+        const bool valueFollows = j + 1 == cluster.size();
+        const std::string_view value = valueFollows ? following : cluster.substr(j + 1);
+        if (client == WebClient::curl && letter == 'X') {
+            request.method = value;
+        }
+        if (client == WebClient::curl && containsWord(kCurlBodyOptions, std::string{'-', letter})) {
+            request.body = true;
+        }
+        return valueFollows;
+    }
+    return false;
+}
+
+// A long option of curl, wget or HTTPie, as --name or --name=value. True when it took the next
+// word, `following`, as its value.
+bool readLongOption(WebClient client, std::string_view option, std::string_view following,
+                    WebRequest& request) {
+    const std::string_view name = option.substr(0, option.find('='));
+    const bool inlineValue = name.size() < option.size();
+    const std::string_view value = inlineValue ? option.substr(name.size() + 1) : following;
+    if (name == "--get" || name == "--head") {
+        request.readOnly = true;
+        return false;
+    }
+    if (name == "--request" || name == "--method") {
+        request.method = value;
+        return !inlineValue;
+    }
+    if (name == "--url") {
+        request.urls.push_back(value);
+        return !inlineValue;
+    }
+    switch (client) {
+        case WebClient::curl:
+            request.body =
+                request.body || containsWord(kCurlBodyOptions, name) || name.starts_with("--data");
+            return !inlineValue && containsWord(kCurlLongValueOptions, name);
+        case WebClient::wget:
+            request.body = request.body || name == "--post-data" || name == "--post-file" ||
+                           name == "--body-data" || name == "--body-file";
+            return !inlineValue && containsWord(kWgetLongValueOptions, name);
+        case WebClient::httpie:
+            return !inlineValue && containsWord(kHTTPieValueOptions, name);
+    }
+    return false;
+}
+
 WebRequest readWebRequest(WebClient client, ShellArguments arguments) {
     WebRequest request;
     bool optionsEnded = false;
     const std::size_t count = arguments.size();
     for (std::size_t i = 0; i < count; ++i) {
         const std::string_view argument = arguments[i];
-        auto nextValue = [&]() -> std::string_view {
-            return i + 1 < count ? std::string_view(arguments[++i]) : std::string_view();
-        };
+        const std::string_view following =
+            i + 1 < count ? std::string_view(arguments[i + 1]) : std::string_view();
         if (!optionsEnded && argument == "--") {
             optionsEnded = true;
         } else if (optionsEnded || !argument.starts_with('-') || argument == "-") {
-            if (client != WebClient::httpie) {
-                request.urls.push_back(argument);
-            } else if (!request.urls.empty()) {
+            // HTTPie takes an optional method before the URL and request items after it.
+            if (client == WebClient::httpie && !request.urls.empty()) {
                 request.body = request.body || isHTTPieBodyItem(argument);
-            } else if (!request.method &&
+            } else if (client == WebClient::httpie && !request.method &&
                        (isWritingMethod(argument) || isReadingMethod(argument))) {
                 request.method = argument;
             } else {
                 request.urls.push_back(argument);
             }
         } else if (argument.starts_with("--")) {
-            const std::string_view name = argument.substr(0, argument.find('='));
-            const bool inlineValue = name.size() < argument.size();
-            const std::string_view value =
-                inlineValue ? argument.substr(name.size() + 1) : std::string_view();
-            if (name == "--get" || name == "--head") {
-                request.readOnly = true;
-            } else if (name == "--request" || name == "--method") {
-                request.method = inlineValue ? value : nextValue();
-            } else if (name == "--url") {
-                request.urls.push_back(inlineValue ? value : nextValue());
-            } else if (client == WebClient::curl) {
-                request.body = request.body || containsWord(kCurlBodyOptions, name) ||
-                               name.starts_with("--data");
-                i += !inlineValue && containsWord(kCurlLongValueOptions, name) ? 1 : 0;
-            } else if (client == WebClient::wget) {
-                request.body = request.body || name == "--post-data" || name == "--post-file" ||
-                               name == "--body-data" || name == "--body-file";
-                i += !inlineValue && containsWord(kWgetLongValueOptions, name) ? 1 : 0;
-            } else {
-                i += !inlineValue && containsWord(kHTTPieValueOptions, name) ? 1 : 0;
-            }
+            i += readLongOption(client, argument, following, request) ? 1 : 0;
         } else if (client == WebClient::httpie) {
             i += containsWord(kHTTPieValueOptions, argument) ? 1 : 0;
         } else {
-            // A short cluster: letters until one that takes a value, which is the rest of the
-            // cluster or else the next word.
-            const std::string_view valueLetters =
-                client == WebClient::curl ? kCurlValueOptionLetters : kWgetValueOptionLetters;
-            for (std::size_t j = 1; j < argument.size(); ++j) {
-                const char letter = argument[j];
-                if (client == WebClient::curl && (letter == 'G' || letter == 'I')) {
-                    request.readOnly = true;
-                }
-                if (valueLetters.find(letter) == npos) {
-                    continue;
-                }
-                const std::string_view value =
-                    j + 1 < argument.size() ? argument.substr(j + 1) : nextValue();
-                if (client == WebClient::curl && letter == 'X') {
-                    request.method = value;
-                }
-                if (client == WebClient::curl &&
-                    containsWord(kCurlBodyOptions, std::string{'-', letter})) {
-                    request.body = true;
-                }
-                break;
-            }
+            i += readShortOptions(client, argument, following, request) ? 1 : 0;
         }
     }
     return request;

@@ -8,6 +8,7 @@
 namespace orvo {
 namespace {
 
+// NOLINTNEXTLINE(readability-identifier-naming): std::string_view::npos, under its own name
 constexpr std::size_t npos = std::string_view::npos;
 
 // The index of the ")" that closes a substitution whose body starts at `from`, or npos when

@@ -13,7 +13,14 @@ namespace orvo {
 namespace {
 
 // Reading in blocks gives the same lines as reading byte by byte, at a fraction of the calls.
-constexpr std::size_t kBlockBytes = 64 * 1024;
+constexpr std::size_t kBlockBytes = std::size_t{64} * 1024;
+
+std::optional<std::string_view> finish(std::string_view line) {
+    if (!isValidUTF8(line)) {
+        return std::string_view{};
+    }
+    return line;
+}
 
 }  // namespace
 
@@ -35,13 +42,6 @@ bool LineReader::fill() {
     }
 }
 
-std::optional<std::string_view> LineReader::finish(std::string_view line) {
-    if (!isValidUTF8(line)) {
-        return std::string_view{};
-    }
-    return line;
-}
-
 std::optional<std::string_view> LineReader::next() {
     partial_.clear();  // the line handed out last time
     for (;;) {
@@ -61,15 +61,16 @@ std::optional<std::string_view> LineReader::next() {
         const char* start = block_.data() + begin_;
         const std::size_t available = end_ - begin_;
         const auto* newline = static_cast<const char*>(std::memchr(start, '\n', available));
-        const std::size_t taken = newline ? static_cast<std::size_t>(newline - start) : available;
-        begin_ += newline ? taken + 1 : taken;
+        const std::size_t taken =
+            newline != nullptr ? static_cast<std::size_t>(newline - start) : available;
+        begin_ += newline != nullptr ? taken + 1 : taken;
 
         if (!discarding_ && partial_.size() + taken > maxLineBytes_) {
             discarding_ = true;
             partial_.clear();
         }
         if (discarding_) {
-            if (newline) {
+            if (newline != nullptr) {
                 discarding_ = false;
                 logDiagnostic("dropped oversize line (>" + std::to_string(maxLineBytes_) +
                               " bytes)");
@@ -77,11 +78,11 @@ std::optional<std::string_view> LineReader::next() {
             }
             continue;
         }
-        if (newline && partial_.empty()) {
+        if (newline != nullptr && partial_.empty()) {
             return finish(std::string_view(start, taken));
         }
         partial_.append(start, taken);
-        if (newline) {
+        if (newline != nullptr) {
             return finish(partial_);
         }
     }

@@ -21,7 +21,6 @@ public:
 
 private:
     bool fill();
-    std::optional<std::string_view> finish(std::string_view line);
 
     int fd_;
     std::size_t maxLineBytes_;

@@ -192,7 +192,7 @@ Result<json> Server::callTool(const json& params) {
     static const json kNoArguments = json::object();
     const json* arguments = objectMember(params, "arguments");
     Result<ToolOutput> output =
-        tool->call(arguments ? *arguments : kNoArguments, options_.toolContext);
+        tool->call(arguments != nullptr ? *arguments : kNoArguments, options_.toolContext);
     if (!output) {
         return std::move(output).error();
     }

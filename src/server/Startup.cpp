@@ -2,8 +2,8 @@
 #include "server/Startup.h"
 
 #include <algorithm>
+#include <csignal>
 
-#include <signal.h>
 #include <unistd.h>
 
 #include "applink/AppClient.h"
@@ -58,7 +58,7 @@ StartupSettings readStartupSettings(std::span<const std::string> arguments,
 
 int runServer(const StartupSettings& settings, std::span<const PrecomputedListingEntry> listing) {
     // An agent that closes its end of the pipe must not kill us mid-write; the write fails instead.
-    ::signal(SIGPIPE, SIG_IGN);
+    (void)std::signal(SIGPIPE, SIG_IGN);
 
     const ToolRegistry registry = ToolRegistry::assemble(registeredTools(), settings.selection);
     const std::filesystem::path home = userHomeDirectory();

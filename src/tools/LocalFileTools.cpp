@@ -43,7 +43,7 @@ public:
                "sounds distinct.";
     }
     const json& inputSchema() const override { return emptyInputSchema(); }
-    Result<ToolOutput> call(const json&, const ToolContext& context) const override {
+    Result<ToolOutput> call(const json& /*arguments*/, const ToolContext& context) const override {
         // Read twice on purpose: the label read accepts a plain-string hotkey the typed one does
         // not.
         const auto file = settingsFilePath(context.home);
@@ -191,7 +191,7 @@ public:
     std::string_view name() const override { return "orvo_version"; }
     std::string_view description() const override { return "Return the running Orvo version."; }
     const json& inputSchema() const override { return emptyInputSchema(); }
-    Result<ToolOutput> call(const json&, const ToolContext& context) const override {
+    Result<ToolOutput> call(const json& /*arguments*/, const ToolContext& context) const override {
         return ToolOutput(PlainText{lookupVersion(context.programPath)});
     }
 };
@@ -206,7 +206,7 @@ public:
                "preferences.md";
     }
     const json& inputSchema() const override { return emptyInputSchema(); }
-    Result<ToolOutput> call(const json&, const ToolContext& context) const override {
+    Result<ToolOutput> call(const json& /*arguments*/, const ToolContext& context) const override {
         json result = readPreferences(preferencesFilePath(context.home));
         recordContextRead(context, name(), result);
         return ToolOutput(std::move(result));

@@ -30,7 +30,7 @@ static_assert(kToolsetRawValues.size() == static_cast<std::size_t>(MCPToolset::a
 class MCPToolsets {
 public:
     constexpr MCPToolsets() = default;
-    constexpr MCPToolsets(std::initializer_list<MCPToolset> sets) {
+    constexpr MCPToolsets(std::initializer_list<MCPToolset> sets) noexcept {
         for (MCPToolset set : sets) {
             insert(set);
         }
@@ -49,7 +49,7 @@ public:
 
 private:
     static constexpr std::uint8_t bit(MCPToolset set) {
-        return static_cast<std::uint8_t>(1u << static_cast<unsigned>(set));
+        return static_cast<std::uint8_t>(1U << static_cast<unsigned>(set));
     }
     std::uint8_t bits_ = 0;
 };

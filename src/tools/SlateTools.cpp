@@ -33,7 +33,7 @@ public:
             {"id",
              {{"type", "string"},
               {"description",
-               "Persona ID or name (e.g. \"pirate\"). Required unless mode is \"clear\"."}}},
+               R"(Persona ID or name (e.g. "pirate"). Required unless mode is "clear".)"}}},
             {"mode",
              {{"type", "string"},
               {"enum", {"replace", "add", "remove", "clear"}},

@@ -42,8 +42,8 @@ ToolRegistry ToolRegistry::assemble(std::span<const MCPTool* const> registration
         [](const MCPTool* a, const MCPTool* b) { return a->name() == b->name(); });
     if (duplicate != registry.byName_.end()) {
         const std::string_view name = (*duplicate)->name();
-        std::fprintf(stderr, "Duplicate values for key: '%.*s'\n", static_cast<int>(name.size()),
-                     name.data());
+        (void)std::fprintf(stderr, "Duplicate values for key: '%.*s'\n",
+                           static_cast<int>(name.size()), name.data());
         std::abort();
     }
     return registry;
@@ -56,10 +56,11 @@ const MCPTool* ToolRegistry::find(std::string_view name) const {
 
 json listingEntry(const MCPTool& tool) {
     const MCPToolMetadata* metadata = toolMetadata(tool.name());
-    return json{{"name", tool.name()},
-                {"description", tool.description()},
-                {"inputSchema", tool.inputSchema()},
-                {"annotations", metadata ? metadata->annotations.encode() : json::object()}};
+    return json{
+        {"name", tool.name()},
+        {"description", tool.description()},
+        {"inputSchema", tool.inputSchema()},
+        {"annotations", metadata != nullptr ? metadata->annotations.encode() : json::object()}};
 }
 
 const json& emptyInputSchema() {

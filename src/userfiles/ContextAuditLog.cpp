@@ -157,7 +157,7 @@ std::string auditTimestamp(std::chrono::system_clock::time_point time) {
     const year_month_day date{day};
     const hh_mm_ss clock{milliseconds - day};
     char text[48];
-    std::snprintf(
+    (void)std::snprintf(
         text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ", static_cast<int>(date.year()),
         static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
         static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),

@@ -151,7 +151,7 @@ std::optional<std::string> replaceFile(const std::filesystem::path& target, std:
         return "creating a temporary file beside " + target.filename().string() + ": " +
                errnoDescription(createError);
     }
-    const auto fail = [&](std::string what) -> std::optional<std::string> {
+    const auto fail = [&](const std::string& what) -> std::optional<std::string> {
         const std::string description = errnoDescription(errno);
         ::unlink(temporary.c_str());
         return what + ": " + description;

@@ -1,6 +1,7 @@
 // A read-only, tolerant view of the app's settings file and the abridged snapshot agents see.
 #include "userfiles/SettingsSnapshot.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -11,7 +12,7 @@ namespace orvo {
 namespace {
 
 // The app writes a few kilobytes; a larger file is not its settings file.
-constexpr std::size_t kMaxSettingsBytes = 8 * 1024 * 1024;
+constexpr std::size_t kMaxSettingsBytes = std::size_t{8} * 1024 * 1024;
 constexpr std::size_t kMaxModelIdentifierLength = 167;
 
 constexpr std::string_view kCorrectionEngines[] = {"local", "claudeHaiku", "claudeSonnet"};
@@ -116,17 +117,12 @@ bool isLowerAlnum(char c) {
 }
 
 bool contains(std::span<const std::string_view> list, std::string_view value) {
-    for (std::string_view entry : list) {
-        if (entry == value) {
-            return true;
-        }
-    }
-    return false;
+    return std::ranges::find(list, value) != list.end();
 }
 
 std::string resolveEngine(const std::optional<std::string>& engine,
                           std::span<const std::string_view> known, std::string_view fallback) {
-    const std::string value = engine.value_or("");
+    std::string value = engine.value_or("");
     if (isClaudeModelIdentifier(value) || contains(known, value)) {
         return value;
     }

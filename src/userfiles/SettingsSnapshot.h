@@ -16,7 +16,9 @@ struct HotkeyBinding {
     std::optional<std::string> name;
 };
 
-// One field per recognised top-level key; absent when the file does not carry it.
+// One field per recognised top-level key; absent when the file does not carry it. Not packed
+// for size: a call holds one of these at a time.
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding)
 struct PersistedSettings {
     std::optional<std::string> assistantBackend;
     std::optional<bool> assistantEnabled;
