@@ -154,15 +154,17 @@ struct Process {
         }
     }
 
-    // Waits for the answer with this id, passing over notifications and log lines.
-    void awaitAnswer(int id) {
+    // Waits for the answer with this id, passing over notifications and log lines, and returns
+    // when its line arrived: reading the answer is the client's time, not the server's.
+    Clock::time_point awaitAnswer(int id) {
         while (std::optional<std::string> line = nextLine()) {
+            const Clock::time_point arrived = Clock::now();
             const nlohmann::json message = nlohmann::json::parse(*line, nullptr, false);
             if (message.is_object() && message.value("id", nlohmann::json()) == id) {
                 if (!message.contains("result")) {
                     fail("request " + std::to_string(id) + " failed: " + *line);
                 }
-                return;
+                return arrived;
             }
         }
         fail("output ended before the answer to request " + std::to_string(id));
@@ -341,8 +343,9 @@ int runStart(int runs, const std::vector<Command>& commands) {
             Process process = Process::spawn(commands[i]);
             process.send(kOpening);
             process.awaitAnswer(1);
-            process.awaitAnswer(2);
-            samples[i].micros.push_back(microsecondsSince(start));
+            const Clock::time_point listed = process.awaitAnswer(2);
+            samples[i].micros.push_back(
+                std::chrono::duration<double, std::micro>(listed - start).count());
             samples[i].peakKiB = std::max(samples[i].peakKiB, orvo::peakResidentKiB(process.pid));
             process.finish();
         }
@@ -356,8 +359,8 @@ int runStart(int runs, const std::vector<Command>& commands) {
 int runPing(double seconds, const std::vector<std::string>& command) {
     Process process = Process::spawn(command);
     process.send(kOpening);
-    process.awaitAnswer(1);
-    process.awaitAnswer(2);
+    (void)process.awaitAnswer(1);
+    (void)process.awaitAnswer(2);
     const std::string ping = R"({"jsonrpc":"2.0","id":3,"method":"ping"})"
                              "\n";
     std::string burst;
