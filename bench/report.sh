@@ -132,9 +132,9 @@ awk -F'\t' -v machine="$machine" -v date="$(date -u +%Y-%m-%d)" '
         print "# Side by side with other hooks and MCP servers"
         print ""
         print "Measured by [`bench/report.sh`](../report.sh) on " date ", on " machine "."
-        print "Every program ran in the same run, one after another, with a temporary home and no Orvo"
-        print "app running. The figures are whole processes as an agent starts them; ratios are the point,"
-        print "the absolute times move with the machine."
+        print "Every program ran in the same run, with a temporary home and no Orvo app running; programs"
+        print "compared closely took turns run by run. The figures are whole processes as an agent starts"
+        print "them; ratios are the point, the absolute times move with the machine."
         print ""
         print "- **Hook**: " ratio(npmHook, orvoHook) " faster than cc-safety-net per tool call, and " \
               ratio(orvoHook, trueHook) " the cost of spawning `/bin/true`."
