@@ -10,25 +10,15 @@ namespace {
 // first and may return false to stop. Returns the number of clusters seen.
 template <class Visit>
 std::size_t walkClusters(std::string_view text, Visit visit) {
-    const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-    const auto size = static_cast<utf8proc_ssize_t>(text.size());
-    utf8proc_ssize_t offset = 0;
     utf8proc_int32_t previous = -1;
     utf8proc_int32_t state = 0;
     std::size_t clusters = 0;
-    while (offset < size) {
-        utf8proc_int32_t codepoint = -1;
-        utf8proc_ssize_t length = utf8proc_iterate(bytes + offset, size - offset, &codepoint);
-        if (length <= 0) {
-            // An undecodable byte stands alone, so that no text is ever dropped or merged.
-            length = 1;
-            codepoint = -1;
-        }
+    forEachCodePoint(text, [&](std::size_t offset, std::size_t /*length*/, std::int32_t codepoint) {
         const bool boundary = previous < 0 || codepoint < 0 ||
                               utf8proc_grapheme_break_stateful(previous, codepoint, &state);
         if (boundary) {
-            if (clusters > 0 && !visit(static_cast<std::size_t>(offset))) {
-                return clusters;
+            if (clusters > 0 && !visit(offset)) {
+                return false;
             }
             ++clusters;
         }
@@ -36,8 +26,8 @@ std::size_t walkClusters(std::string_view text, Visit visit) {
             state = 0;
         }
         previous = codepoint;
-        offset += length;
-    }
+        return true;
+    });
     return clusters;
 }
 

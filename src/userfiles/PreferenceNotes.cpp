@@ -53,24 +53,15 @@ bool isWhitespaceOrNewline(utf8proc_int32_t codepoint) {
 
 // Trims whole code points; an undecodable byte is never trimmed.
 std::string_view trimUnicodeWhitespace(std::string_view text) {
-    const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-    const auto size = static_cast<utf8proc_ssize_t>(text.size());
     std::size_t keepFrom = text.size();
     std::size_t keepTo = 0;
-    utf8proc_ssize_t offset = 0;
-    while (offset < size) {
-        utf8proc_int32_t codepoint = -1;
-        utf8proc_ssize_t length = utf8proc_iterate(bytes + offset, size - offset, &codepoint);
-        if (length <= 0) {
-            length = 1;
-            codepoint = -1;
-        }
+    forEachCodePoint(text, [&](std::size_t offset, std::size_t length, std::int32_t codepoint) {
         if (codepoint < 0 || !isWhitespaceOrNewline(codepoint)) {
-            keepFrom = std::min(keepFrom, static_cast<std::size_t>(offset));
-            keepTo = static_cast<std::size_t>(offset + length);
+            keepFrom = std::min(keepFrom, offset);
+            keepTo = offset + length;
         }
-        offset += length;
-    }
+        return true;
+    });
     if (keepFrom >= keepTo) {
         return {};
     }
