@@ -99,7 +99,8 @@ constexpr ToolRow kRows[] = {
      "text. Docs: computer-get-screenshot.md",
      [] {
          return objectSchema({{"state_id", stateIdParameter()}}, {"state_id"});
-     }},
+     },
+     kAppRead},
     {"computer_inspect", kComputerObserving,
      "Inspect the current or named app/window. Returns a short-lived computer_state_id, safe "
      "metadata, ranked targets, and matching Playbook pointers; detail full adds diagnostics and "
@@ -151,7 +152,8 @@ constexpr ToolRow kRows[] = {
                 "is the first on screen, and adds row_label to a target whose label others share, "
                 "such as a row's Play button."}}},
          });
-     }},
+     },
+     appRead("target")},
     {"computer_list_apps", kComputerObserving,
      "List running apps before targeting a background app. Restricted apps, including password "
      "managers, cannot be inspected or acted on. Docs: computer-list-apps.md",
@@ -252,7 +254,8 @@ constexpr ToolRow kRows[] = {
                     "certifies the unavailable tail."}}},
              },
              {"state_id", "mode"});
-     }},
+     },
+     kAppRead},
     {"computer_wait_for", kComputerObserving,
      "Wait for an exact Accessibility label to appear or disappear in the inspected window, "
      "without activating the app or pressing anything. A truncated or unreadable tree cannot prove "

@@ -69,7 +69,7 @@ constexpr ToolRow kRows[] = {
      "Return the local Insights snapshot: lifetime totals, per-day rollups, top apps and "
      "sub-contexts, categories, assistant backend split, weekday-hour heatmap, top words, top "
      "Dictionary rules fired, and streaks. Docs: insights.md",
-     nullptr},
+     nullptr, kRecordedRead},
     // The app keeps about 90 seconds; an empty window (0) asks for nothing.
     {"get_recent_ignored_speech", kStateReading,
      "Read what Ambient listening heard in about the last 90 seconds but did not send to you: "
@@ -89,7 +89,8 @@ constexpr ToolRow kRows[] = {
                {"maximum", 90},
                {"description", "Only entries this recent. Default the whole buffer."}}},
          });
-     }},
+     },
+     kRecordedRead},
     {"session_read", kStateReading,
      "Read an Orvo task locator returned by session_search. Returns an ordered message-part chunk "
      "of at most 8 KB, with a cursor for the rest. Added requests precede the answer; old records "
@@ -98,7 +99,8 @@ constexpr ToolRow kRows[] = {
      [] {
          return objectSchema({{"task_id", {{"type", "string"}}}, {"cursor", {{"type", "string"}}}},
                              {"task_id"});
-     }},
+     },
+     recordedRead("task_id")},
     {"session_search", kStateReading,
      "Search Orvo-recorded Assistant conversations using ordinary words. Returns up to five "
      "conversations, dated evidence, task locators, and a continuation cursor. Search before "
@@ -116,7 +118,8 @@ constexpr ToolRow kRows[] = {
                  {"cursor", {{"type", "string"}}},
              },
              {"query"});
-     }},
+     },
+     recordedRead("query")},
 };
 static_assert(rowsAreSorted(kRows));
 

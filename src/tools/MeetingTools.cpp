@@ -132,7 +132,8 @@ constexpr ToolRow kRows[] = {
               {{"type", "boolean"},
                {"description", "Include the shared Slate and its revision. Default true."}}},
          });
-     }},
+     },
+     kRecordedRead},
     {"get_live_transcript", kMeetingsReading,
      "Read the transcript so far of the meeting being captured. To poll, pass the previous "
      "response's cursor to get only later commits, including late ones with older timestamps. "
@@ -159,7 +160,8 @@ constexpr ToolRow kRows[] = {
              {"includeTimestamps",
               {{"type", "boolean"}, {"description", "Prefix entries with mm:ss. Default false."}}},
          });
-     }},
+     },
+     kRecordedRead},
     {"get_meeting", kMeetingsReading,
      "Fetch one meeting's generated notes, full speaker-attributed transcript, or both. Prefer "
      "get_meeting_notes or get_meeting_transcript; notes are much shorter than the transcript, and "
@@ -175,7 +177,8 @@ constexpr ToolRow kRows[] = {
                  {"includeAddonPrompts", includeAddonPromptsParameter()},
              },
              {"id"});
-     }},
+     },
+     recordedRead("id")},
     {"get_meeting_notes", kMeetingsReading,
      "Fetch one meeting's generated notes and metadata: decisions, summary, or action items "
      "without the transcript. Pass includeUserNotes=true only when the user's typed notes are "
@@ -190,7 +193,8 @@ constexpr ToolRow kRows[] = {
                  {"includeAddonPrompts", includeAddonPromptsParameter()},
              },
              {"id"});
-     }},
+     },
+     recordedRead("id")},
     {"get_meeting_transcript", kMeetingsReading,
      "Fetch one meeting's speaker-attributed transcript and metadata, for the word-for-word record "
      "or a quote. Long transcripts are capped with a truncation marker; raise wordCap only when "
@@ -205,7 +209,8 @@ constexpr ToolRow kRows[] = {
                    {"description", "Prefix turns with mm:ss. Default false."}}},
              },
              {"id"});
-     }},
+     },
+     recordedRead("id")},
     {"list_meeting_addons", kMeetingsReading,
      "List file-backed meeting add-ons and invalid-file reasons. Prompt bodies are omitted by "
      "default; includeAddonPrompts returns bounded bodies with bodyTruncated. Docs: meetings.md",
@@ -233,7 +238,8 @@ constexpr ToolRow kRows[] = {
              {"limit", {{"type", "integer"}, {"description", "Default 10, max 50."}}},
              {"offset", {{"type", "integer"}, {"description", "Pagination offset."}}},
          });
-     }},
+     },
+     kRecordedRead},
     // templateName admits null: an explicit null selects Auto, which absence does not.
     {"regenerate_meeting_notes", kMeetingsDestructive,
      "Regenerate a saved meeting with its selected add-on snapshots and the existing notes call. "
@@ -268,7 +274,8 @@ constexpr ToolRow kRows[] = {
               {{"type", "string"}, {"description", "Omit or empty for the most recent meetings."}}},
              {"limit", {{"type", "integer"}, {"description", "Default 10, max 25."}}},
          });
-     }},
+     },
+     recordedRead("query")},
     {"set_meeting_notes_addons", kMeetingsChange,
      "Set ordered add-ons for a meeting, at most three. Omit meetingId for the current capture or "
      "next-meeting draft. Preparing notes locks selection. Saved notes change only after "

@@ -57,7 +57,7 @@ constexpr ToolRow kRows[] = {
      "Read the Slate: window open, routing, the artifact as markdown with block-id markers, "
      "counts, and openFiles. Use it to bring the Slate's contents into your context. Docs: "
      "slate.md",
-     nullptr},
+     nullptr, kRecordedRead},
     {"list_personas", kStateAugmentsReading,
      "List personas (built-in and user characters in ~/.config/orvo-agent/characters/) with id, "
      "display name, category, and the active persona slots. Docs: personas.md",
@@ -143,7 +143,8 @@ constexpr ToolRow kRows[] = {
                   {{"type", "integer"}, {"description", "Max characters. Default 20000."}}},
              },
              {"path"});
-     }},
+     },
+     recordedRead("path")},
     // A check without saving still needs the file and its name, so only validate_only may be
     // left out.
     {"save_character", kSettingsAugmentsDestructive,
