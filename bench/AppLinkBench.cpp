@@ -15,17 +15,10 @@
 #include "server/Server.h"
 #include "support/FakeApp.h"
 #include "support/ServerProcess.h"
-#include "tools/ForwardingTool.h"
+#include "tools/ToolCatalog.h"
 
 namespace orvo {
 namespace {
-
-class NotesTool final : public ForwardingTool {
-public:
-    std::string_view name() const override { return "get_meeting_notes"; }
-    std::string_view description() const override { return "bench"; }
-    const json& inputSchema() const override { return emptyInputSchema(); }
-};
 
 double medianMicroseconds(std::vector<double>& samples) {
     std::ranges::nth_element(samples, samples.begin() + samples.size() / 2);
@@ -46,7 +39,9 @@ void BM_ForwardedCallOverhead(benchmark::State& state) {
     address.sun_family = AF_UNIX;
     std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
 
-    const NotesTool tool;
+    constexpr ToolRow kNotes{
+        "get_meeting_notes", {{MCPToolset::meetings}, kReading, true}, "bench"};
+    const MCPTool tool(kNotes);
     const MCPTool* const tools[] = {&tool};
     const ToolRegistry registry = ToolRegistry::assemble(tools, {});
     const AppClient client(AppClientOptions{home.path(), "bench", false, {}});

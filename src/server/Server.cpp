@@ -17,19 +17,6 @@ RPCError rpcError(int code, std::string message) {
     return RPCError{code, std::move(message), std::nullopt};
 }
 
-// The text of a tool result: JSON objects and arrays pretty-printed, plain texts as they are.
-Result<std::string> toolResultText(const ToolOutput& output) {
-    if (const auto* text = std::get_if<PlainText>(&output)) {
-        return text->text;
-    }
-    const json& value = std::get<json>(output);
-    if (!value.is_object() && !value.is_array()) {
-        return rpcError(RPCCode::kInternalError,
-                        "Internal error: tool result is not a JSON object or array");
-    }
-    return dumpPretty(value);
-}
-
 // The one place where a failure that is not an RPCError becomes one.
 template <class Run>
 Result<json> catchingInternalErrors(Run&& run) {
@@ -191,12 +178,8 @@ Result<json> Server::callTool(const json& params) {
     }
     static const json kNoArguments = json::object();
     const json* arguments = objectMember(params, "arguments");
-    Result<ToolOutput> output =
+    Result<std::string> text =
         tool->call(arguments != nullptr ? *arguments : kNoArguments, options_.toolContext);
-    if (!output) {
-        return std::move(output).error();
-    }
-    Result<std::string> text = toolResultText(*output);
     if (!text) {
         return std::move(text).error();
     }

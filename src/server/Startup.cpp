@@ -63,8 +63,14 @@ int runServer(const StartupSettings& settings, std::span<const PrecomputedListin
     const ToolRegistry registry = ToolRegistry::assemble(registeredTools(), settings.selection);
     const std::filesystem::path home = userHomeDirectory();
     const AppClient app(AppClientOptions{home, settings.agentName, settings.assistantOrigin, {}});
+    // The cue's copy of the client outlives the run, should the app be slow to answer at exit.
     ContextAuditLog auditLog(ContextAuditLogOptions{
-        ActivityLogFiles::contextReads(home), &app, settings.audibleCue, {}});
+        ActivityLogFiles::contextReads(home),
+        [app] {
+            [[maybe_unused]] Result<json> ignored = app.callApp(kActivityCueMethod, json::object());
+        },
+        settings.audibleCue,
+        {}});
     ServerOptions options;
     options.toolContext.home = home;
     options.toolContext.app = &app;

@@ -1,9 +1,7 @@
 // Build step: writes the listing entry of every implemented tool as C++ source, so that the
 // shipped binary answers tools/list without building schemas at start-up.
-#include <algorithm>
 #include <fstream>
 #include <iostream>
-#include <vector>
 
 #include "tools/ToolCatalog.h"
 #include "tools/ToolListing.h"
@@ -13,15 +11,12 @@ int main(int argc, char** argv) {
         std::cerr << "usage: orvo_generate_listing OUTPUT.cpp\n";
         return 2;
     }
-    std::vector<const orvo::MCPTool*> tools(orvo::registeredTools().begin(),
-                                            orvo::registeredTools().end());
-    std::ranges::sort(tools, {}, &orvo::MCPTool::name);
     std::string source =
         "// Generated when the program is built, from the tool catalogue. Do not edit.\n"
         "#include \"tools/ToolListing.h\"\n\n"
         "namespace orvo {\nnamespace {\n\n"
         "constexpr PrecomputedListingEntry kEntries[] = {\n";
-    for (const orvo::MCPTool* tool : tools) {
+    for (const orvo::MCPTool* tool : orvo::registeredTools()) {
         source += "    {" + orvo::cppStringLiteral(tool->name()) + ",\n     " +
                   orvo::cppStringLiteral(orvo::dumpCompact(orvo::listingEntry(*tool))) + "},\n";
     }

@@ -4,7 +4,6 @@
 #include <array>
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string_view>
 
 #include "protocol/Json.h"
@@ -69,19 +68,15 @@ struct MCPToolMetadata {
     bool permitsConcurrentRequests = false;
 };
 
-struct MCPToolMetadataRow {
-    std::string_view name;
-    MCPToolMetadata metadata;
-};
+// Hint patterns as read-only/destructive/idempotent/open-world.
+inline constexpr MCPToolAnnotations kReading{true, false, true, false};
+inline constexpr MCPToolAnnotations kComputerUse{false, true, false, true};
+inline constexpr MCPToolAnnotations kCreating{false, false, false, false};
+inline constexpr MCPToolAnnotations kDestructive{false, true, false, false};
+inline constexpr MCPToolAnnotations kIdempotentChange{false, false, true, false};
 
-// Every row of the table, registered tools first in registration order.
-std::span<const MCPToolMetadataRow> toolMetadataRows();
-
-// The row for `name`, or null when the name has none.
+// The metadata of the catalogue's row for `name`, or null when the name has none.
 const MCPToolMetadata* toolMetadata(std::string_view name);
-
-// Position of `name` in the registration order, or the row count when it has no row.
-std::size_t registrationIndex(std::string_view name);
 
 // The enabled toolsets for a `--toolsets` value.
 MCPToolsets parseToolsets(std::string_view value);

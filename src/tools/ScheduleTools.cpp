@@ -1,8 +1,7 @@
 // Owner-requested reminders and scheduled Assistant tasks, kept and run by the app. The agent
 // turns the owner's sentence into a typed rule; the app never parses natural language.
-#include "tools/ForwardingTool.h"
 #include "tools/ToolCatalog.h"
-#include "tools/ToolRegistry.h"
+#include "tools/ToolSchema.h"
 
 namespace orvo {
 namespace {
@@ -119,153 +118,103 @@ const ScheduleFields& scheduleFields() {
     return kFields;
 }
 
-class ScheduleCreateTool final : public ForwardingTool {
-public:
-    std::string_view name() const override { return "schedule_create"; }
-    std::string_view description() const override {
-        return "Create a local reminder or scheduled Assistant task requested by the owner. "
-               "Convert their words to a typed rule; the app does not parse sentences. Backend, "
-               "model, and effort are pinned at creation. Return the app's summary and next runs, "
-               "including its actions choice. No bookkeeping schedules. Runs require this Mac and "
-               "app to be awake and open. Docs: schedules.md";
-    }
-    const json& inputSchema() const override {
-        static const json kSchema = [] {
-            const ScheduleFields& field = scheduleFields();
-            return objectSchema(
-                {
-                    {"title", field.title},
-                    {"task", field.task},
-                    {"kind", field.kind},
-                    {"rule", ruleSchema()},
-                    {"end", endSchema()},
-                    {"time_zone", field.timeZone},
-                    {"backend", field.backend},
-                    {"model", field.model},
-                    {"effort", field.effort},
-                    {"working_directory", field.workingDirectory},
-                    {"skills", field.skills},
-                    {"delivery", field.delivery},
-                    {"speak", field.speak},
-                    {"may_act", field.mayAct},
-                    {"owner_words", ownerWordsSchema()},
-                },
-                {"title", "task", "rule", "owner_words"});
-        }();
-        return kSchema;
-    }
+constexpr MCPToolMetadata kStateCreating{{MCPToolset::state}, kCreating, false};
+constexpr MCPToolMetadata kStateDestructive{{MCPToolset::state}, kDestructive, false};
+constexpr MCPToolMetadata kStateReading{{MCPToolset::state}, kReading, true};
+constexpr MCPToolMetadata kStateChange{{MCPToolset::state}, kIdempotentChange, false};
+
+constexpr ToolRow kRows[] = {
+    {"schedule_create", kStateCreating,
+     "Create a local reminder or scheduled Assistant task requested by the owner. Convert their "
+     "words to a typed rule; the app does not parse sentences. Backend, model, and effort are "
+     "pinned at creation. Return the app's summary and next runs, including its actions choice. No "
+     "bookkeeping schedules. Runs require this Mac and app to be awake and open. Docs: "
+     "schedules.md",
+     [] {
+         const ScheduleFields& field = scheduleFields();
+         return objectSchema(
+             {
+                 {"title", field.title},
+                 {"task", field.task},
+                 {"kind", field.kind},
+                 {"rule", ruleSchema()},
+                 {"end", endSchema()},
+                 {"time_zone", field.timeZone},
+                 {"backend", field.backend},
+                 {"model", field.model},
+                 {"effort", field.effort},
+                 {"working_directory", field.workingDirectory},
+                 {"skills", field.skills},
+                 {"delivery", field.delivery},
+                 {"speak", field.speak},
+                 {"may_act", field.mayAct},
+                 {"owner_words", ownerWordsSchema()},
+             },
+             {"title", "task", "rule", "owner_words"});
+     }},
+    {"schedule_delete", kStateDestructive,
+     "Delete a schedule with an eight-second Undo in Scheduled. New dispatch stops immediately; "
+     "existing results remain available. Docs: schedules.md",
+     [] {
+         return objectSchema({{"job_id", jobIdSchema()}}, {"job_id"});
+     }},
+    {"schedule_list", kStateReading,
+     "List active schedules (include_archived also returns Archive) with app-computed summaries, "
+     "time zones, next three runs, recent outcomes, and the newest result inbox with "
+     "waiting_count. Use this for an owner asking what came in; listing does not mark results "
+     "reviewed. Unattended scheduled tasks cannot use any schedule tool. Docs: schedules.md",
+     [] {
+         return objectSchema({{"include_archived", {{"type", "boolean"}}}});
+     }},
+    {"schedule_run_now", kStateCreating,
+     "Queue one manual occurrence for an owner's current request without shifting the schedule. "
+     "Returns the recorded occurrence, not a new model response. Docs: schedules.md",
+     [] {
+         return objectSchema({{"job_id", jobIdSchema()}, {"owner_words", ownerWordsSchema()}},
+                             {"job_id", "owner_words"});
+     }},
+    {"schedule_set_enabled", kStateChange,
+     "Pause or resume a schedule. Resuming starts with a future occurrence and never backfills. "
+     "Docs: schedules.md",
+     [] {
+         return objectSchema({{"job_id", jobIdSchema()}, {"enabled", {{"type", "boolean"}}}},
+                             {"job_id", "enabled"});
+     }},
+    // Not offered: kind, which a schedule keeps for life, and the deprecated speak, which
+    // delivery replaces.
+    {"schedule_update", kStateChange,
+     "Update only the supplied fields of an owner's schedule. Copy the current owner's full "
+     "instruction exactly. Use typed rules and read back the returned summary and next runs. "
+     "Backend changes snapshot that backend's known model and effort defaults, or require an "
+     "explicit model. Docs: schedules.md",
+     [] {
+         const ScheduleFields& field = scheduleFields();
+         return objectSchema(
+             {
+                 {"job_id", jobIdSchema()},
+                 {"owner_words", ownerWordsSchema()},
+                 {"title", field.title},
+                 {"task", field.task},
+                 {"rule", ruleSchema()},
+                 {"end", endSchema()},
+                 {"time_zone", field.timeZone},
+                 {"backend", field.backend},
+                 {"model", field.model},
+                 {"effort", field.effort},
+                 {"working_directory", field.workingDirectory},
+                 {"skills", field.skills},
+                 {"delivery", field.delivery},
+                 {"may_act", field.mayAct},
+             },
+             {"job_id", "owner_words"});
+     }},
 };
-
-class ScheduleListTool final : public ForwardingTool {
-public:
-    std::string_view name() const override { return "schedule_list"; }
-    std::string_view description() const override {
-        return "List active schedules (include_archived also returns Archive) with app-computed "
-               "summaries, time zones, next three runs, recent outcomes, and the newest result "
-               "inbox with waiting_count. Use this for an owner asking what came in; listing does "
-               "not mark results reviewed. Unattended scheduled tasks cannot use any schedule "
-               "tool. Docs: schedules.md";
-    }
-    const json& inputSchema() const override {
-        static const json kSchema = objectSchema({{"include_archived", {{"type", "boolean"}}}});
-        return kSchema;
-    }
-};
-
-class ScheduleUpdateTool final : public ForwardingTool {
-public:
-    std::string_view name() const override { return "schedule_update"; }
-    std::string_view description() const override {
-        return "Update only the supplied fields of an owner's schedule. Copy the current owner's "
-               "full instruction exactly. Use typed rules and read back the returned summary and "
-               "next runs. Backend changes snapshot that backend's known model and effort "
-               "defaults, or require an explicit model. Docs: schedules.md";
-    }
-    const json& inputSchema() const override {
-        // Not offered: kind, which a schedule keeps for life, and the deprecated speak, which
-        // delivery replaces.
-        static const json kSchema = [] {
-            const ScheduleFields& field = scheduleFields();
-            return objectSchema(
-                {
-                    {"job_id", jobIdSchema()},
-                    {"owner_words", ownerWordsSchema()},
-                    {"title", field.title},
-                    {"task", field.task},
-                    {"rule", ruleSchema()},
-                    {"end", endSchema()},
-                    {"time_zone", field.timeZone},
-                    {"backend", field.backend},
-                    {"model", field.model},
-                    {"effort", field.effort},
-                    {"working_directory", field.workingDirectory},
-                    {"skills", field.skills},
-                    {"delivery", field.delivery},
-                    {"may_act", field.mayAct},
-                },
-                {"job_id", "owner_words"});
-        }();
-        return kSchema;
-    }
-};
-
-class ScheduleSetEnabledTool final : public ForwardingTool {
-public:
-    std::string_view name() const override { return "schedule_set_enabled"; }
-    std::string_view description() const override {
-        return "Pause or resume a schedule. Resuming starts with a future occurrence and never "
-               "backfills. Docs: schedules.md";
-    }
-    const json& inputSchema() const override {
-        static const json kSchema = objectSchema(
-            {{"job_id", jobIdSchema()}, {"enabled", {{"type", "boolean"}}}}, {"job_id", "enabled"});
-        return kSchema;
-    }
-};
-
-class ScheduleRunNowTool final : public ForwardingTool {
-public:
-    std::string_view name() const override { return "schedule_run_now"; }
-    std::string_view description() const override {
-        return "Queue one manual occurrence for an owner's current request without shifting the "
-               "schedule. Returns the recorded occurrence, not a new model response. Docs: "
-               "schedules.md";
-    }
-    const json& inputSchema() const override {
-        static const json kSchema =
-            objectSchema({{"job_id", jobIdSchema()}, {"owner_words", ownerWordsSchema()}},
-                         {"job_id", "owner_words"});
-        return kSchema;
-    }
-};
-
-class ScheduleDeleteTool final : public ForwardingTool {
-public:
-    std::string_view name() const override { return "schedule_delete"; }
-    std::string_view description() const override {
-        return "Delete a schedule with an eight-second Undo in Scheduled. New dispatch stops "
-               "immediately; existing results remain available. Docs: schedules.md";
-    }
-    const json& inputSchema() const override {
-        static const json kSchema = objectSchema({{"job_id", jobIdSchema()}}, {"job_id"});
-        return kSchema;
-    }
-};
-
-const ScheduleCreateTool kScheduleCreate;
-const ScheduleListTool kScheduleList;
-const ScheduleUpdateTool kScheduleUpdate;
-const ScheduleSetEnabledTool kScheduleSetEnabled;
-const ScheduleRunNowTool kScheduleRunNow;
-const ScheduleDeleteTool kScheduleDelete;
-
-const MCPTool* const kScheduleTools[] = {&kScheduleCreate,     &kScheduleList,   &kScheduleUpdate,
-                                         &kScheduleSetEnabled, &kScheduleRunNow, &kScheduleDelete};
+static_assert(rowsAreSorted(kRows));
 
 }  // namespace
 
-std::span<const MCPTool* const> scheduleTools() {
-    return kScheduleTools;
+std::span<const ToolRow> scheduleTools() {
+    return kRows;
 }
 
 }  // namespace orvo

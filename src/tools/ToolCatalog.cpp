@@ -1,35 +1,60 @@
-// Every tool type the program implements, one catalogue per family, and the registration order.
+// Every tool name the program knows, one table of rows per family, and the lookups over them all.
 #include "tools/ToolCatalog.h"
 
 #include <algorithm>
-#include <utility>
-
-#include "tools/MCPToolMetadata.h"
+#include <deque>
+#include <vector>
 
 namespace orvo {
+namespace {
+
+struct Catalogue {
+    std::vector<const ToolRow*> rows;  // sorted by name, for binary search
+    std::deque<MCPTool> tools;         // a deque: tools neither move nor copy
+    std::vector<const MCPTool*> toolsByName;
+};
+
+// Built once, on first use: a server start needs only the rows it offers, never their schemas.
+const Catalogue& catalogue() {
+    static const Catalogue kCatalogue = [] {
+        Catalogue built;
+        for (auto family : {localFileTools, computerUseTools, computerInputTools, meetingTools,
+                            voiceSettingsTools, slateAndPersonaTools, followUpAndHistoryTools,
+                            playbookTools, scheduleTools}) {
+            for (const ToolRow& row : family()) {
+                built.rows.push_back(&row);
+            }
+        }
+        std::ranges::sort(built.rows, {}, &ToolRow::name);
+        for (const ToolRow* row : built.rows) {
+            if (!row->description.empty()) {
+                built.toolsByName.push_back(&built.tools.emplace_back(*row));
+            }
+        }
+        return built;
+    }();
+    return kCatalogue;
+}
+
+}  // namespace
+
+std::span<const ToolRow* const> toolRows() {
+    return catalogue().rows;
+}
+
+const ToolRow* toolRow(std::string_view name) {
+    const std::vector<const ToolRow*>& rows = catalogue().rows;
+    auto it = std::ranges::lower_bound(rows, name, {}, &ToolRow::name);
+    return it != rows.end() && (*it)->name == name ? *it : nullptr;
+}
+
+const MCPToolMetadata* toolMetadata(std::string_view name) {
+    const ToolRow* row = toolRow(name);
+    return row == nullptr ? nullptr : &row->metadata;
+}
 
 std::span<const MCPTool* const> registeredTools() {
-    static const std::vector<const MCPTool*> kOrdered = [] {
-        std::vector<const MCPTool*> tools;
-        for (auto family :
-             {localFileTools, computerUseTools, meetingTools, voiceSettingsTools,
-              slateAndPersonaTools, followUpAndHistoryTools, playbookTools, scheduleTools}) {
-            std::span<const MCPTool* const> members = family();
-            tools.insert(tools.end(), members.begin(), members.end());
-        }
-        // The metadata table lists tools in registration order; a tool without a row sorts last
-        // and is never offered. Each tool's place is looked up once: this runs at every start.
-        std::vector<std::pair<std::size_t, const MCPTool*>> placed;
-        placed.reserve(tools.size());
-        for (const MCPTool* tool : tools) {
-            placed.emplace_back(registrationIndex(tool->name()), tool);
-        }
-        std::ranges::stable_sort(placed, {}, &std::pair<std::size_t, const MCPTool*>::first);
-        std::ranges::transform(placed, tools.begin(),
-                               &std::pair<std::size_t, const MCPTool*>::second);
-        return tools;
-    }();
-    return kOrdered;
+    return catalogue().toolsByName;
 }
 
 }  // namespace orvo

@@ -1,24 +1,31 @@
-// Every tool type the program implements, one catalogue per family, and the registration order.
+// Every tool name the program knows, one table of rows per family, and the lookups over them all.
 #pragma once
 
 #include <span>
-#include <vector>
+#include <string_view>
 
 #include "tools/MCPTool.h"
 
 namespace orvo {
 
-// Family catalogues, each in its own file.
-std::span<const MCPTool* const> localFileTools();
-std::span<const MCPTool* const> computerUseTools();
-std::span<const MCPTool* const> meetingTools();
-std::span<const MCPTool* const> voiceSettingsTools();
-std::span<const MCPTool* const> slateAndPersonaTools();
-std::span<const MCPTool* const> followUpAndHistoryTools();
-std::span<const MCPTool* const> playbookTools();
-std::span<const MCPTool* const> scheduleTools();
+// Family tables, each in its own file, sorted by name.
+std::span<const ToolRow> localFileTools();
+std::span<const ToolRow> computerUseTools();
+std::span<const ToolRow> computerInputTools();
+std::span<const ToolRow> meetingTools();
+std::span<const ToolRow> voiceSettingsTools();
+std::span<const ToolRow> slateAndPersonaTools();
+std::span<const ToolRow> followUpAndHistoryTools();
+std::span<const ToolRow> playbookTools();
+std::span<const ToolRow> scheduleTools();
 
-// Every implemented tool, in the registration order that the metadata table fixes.
+// Every row of every family, sorted by name.
+std::span<const ToolRow* const> toolRows();
+
+// The row named `name`, or null.
+const ToolRow* toolRow(std::string_view name);
+
+// One tool for every row that has one, sorted by name.
 std::span<const MCPTool* const> registeredTools();
 
 }  // namespace orvo

@@ -12,14 +12,11 @@ namespace {
 constexpr std::string_view kHiddenFromAssistant[] = {"speak"};
 
 bool offered(const MCPTool& tool, const ToolSelection& selection) {
-    const MCPToolMetadata* metadata = toolMetadata(tool.name());
-    if (metadata == nullptr) {
+    const MCPToolMetadata& metadata = tool.metadata();
+    if (selection.readOnly && !metadata.annotations.readOnlyHint) {
         return false;
     }
-    if (selection.readOnly && !metadata->annotations.readOnlyHint) {
-        return false;
-    }
-    if (!metadata->toolsets.intersects(selection.enabled)) {
+    if (!metadata.toolsets.intersects(selection.enabled)) {
         return false;
     }
     return !(selection.assistantOrigin && std::ranges::find(kHiddenFromAssistant, tool.name()) !=
@@ -28,10 +25,10 @@ bool offered(const MCPTool& tool, const ToolSelection& selection) {
 
 }  // namespace
 
-ToolRegistry ToolRegistry::assemble(std::span<const MCPTool* const> registrationOrder,
+ToolRegistry ToolRegistry::assemble(std::span<const MCPTool* const> tools,
                                     const ToolSelection& selection) {
     ToolRegistry registry;
-    for (const MCPTool* tool : registrationOrder) {
+    for (const MCPTool* tool : tools) {
         if (offered(*tool, selection)) {
             registry.byName_.push_back(tool);
         }
@@ -55,18 +52,10 @@ const MCPTool* ToolRegistry::find(std::string_view name) const {
 }
 
 json listingEntry(const MCPTool& tool) {
-    const MCPToolMetadata* metadata = toolMetadata(tool.name());
-    return json{
-        {"name", tool.name()},
-        {"description", tool.description()},
-        {"inputSchema", tool.inputSchema()},
-        {"annotations", metadata != nullptr ? metadata->annotations.encode() : json::object()}};
-}
-
-const json& emptyInputSchema() {
-    static const json kSchema = {
-        {"type", "object"}, {"properties", json::object()}, {"additionalProperties", false}};
-    return kSchema;
+    return json{{"name", tool.name()},
+                {"description", tool.description()},
+                {"inputSchema", tool.inputSchema()},
+                {"annotations", tool.metadata().annotations.encode()}};
 }
 
 }  // namespace orvo

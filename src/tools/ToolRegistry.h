@@ -19,9 +19,9 @@ struct ToolSelection {
 
 class ToolRegistry {
 public:
-    // Keeps the tools of `registrationOrder` that the selection offers. Two tools with one name are
-    // a programming error and stop the process.
-    static ToolRegistry assemble(std::span<const MCPTool* const> registrationOrder,
+    // Keeps the tools of `tools` that the selection offers. Two tools with one name are a
+    // programming error and stop the process.
+    static ToolRegistry assemble(std::span<const MCPTool* const> tools,
                                  const ToolSelection& selection);
 
     const MCPTool* find(std::string_view name) const;
@@ -35,8 +35,5 @@ private:
 
 // One tool's entry in the `tools/list` result.
 json listingEntry(const MCPTool& tool);
-
-// The schema of every tool that takes no arguments.
-const json& emptyInputSchema();
 
 }  // namespace orvo

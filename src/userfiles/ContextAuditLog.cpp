@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "applink/AppClient.h"  // errnoDescription
 #include "protocol/Diagnostics.h"
 
 namespace orvo {
@@ -111,7 +112,7 @@ bool ContextAuditLog::drain(std::chrono::milliseconds limit) {
 }
 
 void ContextAuditLog::activityCue() {
-    if (!options_.audible || options_.app == nullptr) {
+    if (!options_.audible || !options_.sendCue) {
         return;
     }
     {
@@ -122,11 +123,9 @@ void ContextAuditLog::activityCue() {
         }
         lastCue_ = now;
     }
-    // The thread owns its copy of the client, so a cue still waiting on the app at shutdown
+    // The thread owns its copy of the function, so a cue still waiting on the app at shutdown
     // touches nothing that is gone.
-    std::thread([app = *options_.app] {
-        [[maybe_unused]] Result<json> ignored = app.callApp(kActivityCueMethod, json::object());
-    }).detach();
+    std::thread(options_.sendCue).detach();
 }
 
 std::string auditLine(const AuditRecord& record, std::chrono::system_clock::time_point time) {

@@ -14,7 +14,6 @@
 #include <utility>
 #include <vector>
 
-#include "applink/AppClient.h"
 #include "protocol/Json.h"
 
 namespace orvo {
@@ -33,9 +32,11 @@ struct AuditRecord {
 };
 
 struct ContextAuditLogOptions {
-    std::filesystem::path file;      // ActivityLogFiles::contextReads in the shipped program
-    const AppClient* app = nullptr;  // where cues go; none sends none
-    bool audible = true;             // false when ORVO_MCP_AUDIBLE is "0"
+    std::filesystem::path file;  // ActivityLogFiles::contextReads in the shipped program
+    // Asks the app for its activity sound; run on a thread of its own and never waited for. None
+    // sends none.
+    std::function<void()> sendCue = nullptr;
+    bool audible = true;  // false when ORVO_MCP_AUDIBLE is "0"
     // The throttle's clock; the steady clock unless a test steps time by hand.
     std::function<std::chrono::steady_clock::time_point()> now = nullptr;
 };

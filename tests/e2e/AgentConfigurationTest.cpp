@@ -45,7 +45,8 @@ protected:
         options.arguments = std::move(arguments);
         ServerProcess server(options);
         const std::size_t before = app_->received().size();
-        server.request(toolCall(1, "list_meetings"));
+        // A tool that reads nothing of the user's, so that no activity cue joins the request.
+        server.request(toolCall(1, "list_meeting_addons"));
         if (app_->received().size() != before + 1) {
             return "no request reached the app";
         }

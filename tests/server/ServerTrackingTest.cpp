@@ -9,27 +9,22 @@
 #include "server/Server.h"
 #include "support/FakeApp.h"
 #include "support/ServerProcess.h"
-#include "tools/ForwardingTool.h"
 
 namespace orvo {
 namespace {
 
 using namespace std::chrono_literals;
 
-class NamedTool final : public ForwardingTool {
-public:
-    explicit NamedTool(std::string name) : name_(std::move(name)) {}
-    std::string_view name() const override { return name_; }
-    std::string_view description() const override { return "test"; }
-    const json& inputSchema() const override { return emptyInputSchema(); }
-
-private:
-    std::string name_;
+constexpr ToolRow kRows[] = {
+    // observing: runs beside others
+    {"computer_inspect", {{MCPToolset::computer}, kComputerUse, true}, "test"},
+    // acting: one at a time
+    {"computer_click", {{MCPToolset::computer}, kComputerUse, false}, "test"},
+    // ordinary: answered on the reading thread
+    {"get_meeting_notes", {{MCPToolset::meetings}, kReading, true}, "test"},
+    {"slow", {{MCPToolset::state}, kReading, true}, "test"},
 };
-
-const NamedTool kInspect("computer_inspect");  // observing: runs beside others
-const NamedTool kClick("computer_click");      // acting: one at a time
-const NamedTool kNotes("get_meeting_notes");   // ordinary: answered on the reading thread
+const MCPTool kInspect(kRows[0]), kClick(kRows[1]), kNotes(kRows[2]), kSlow(kRows[3]);
 const MCPTool* const kTools[] = {&kInspect, &kClick, &kNotes};
 
 std::size_t openDescriptors() {
@@ -186,11 +181,10 @@ TEST_F(ServerTrackingTest, TenThousandCallsLeaveNoDescriptorBehind) {
     test::FakeReply late = test::successReply(json::object());
     late.delay = 60ms;
     app_->on("slow", late);
-    const NamedTool slow("slow");
     std::size_t finished = 0;
     for (int i = 0; i < 10000; ++i) {
         if (i % 500 == 0) {
-            EXPECT_EQ(slow.call(json::object(), {home_.path(), "", client_.get()}).error().code,
+            EXPECT_EQ(kSlow.call(json::object(), {home_.path(), "", client_.get()}).error().code,
                       -32013);
         } else if (i % 50 == 1) {
             call(i, "computer_click");

@@ -19,6 +19,10 @@ const MCPTool& tool(std::string_view name) {
     std::abort();
 }
 
+json parsed(const Result<std::string>& text) {
+    return text ? json::parse(*text) : json(nullptr);
+}
+
 class LocalFileToolsTest : public ::testing::Test {
 protected:
     // A record still queued would recreate the home after the test removed it.
@@ -26,8 +30,7 @@ protected:
 
     json call(std::string_view name, const json& arguments = json::object()) {
         ToolContext context{home_.path(), "", nullptr, &log_};
-        Result<ToolOutput> output = tool(name).call(arguments, context);
-        return output ? std::get<json>(*output) : json(nullptr);
+        return parsed(tool(name).call(arguments, context));
     }
     // The audit lines so far, without their time.
     std::vector<json> records() {
@@ -52,14 +55,18 @@ TEST_F(LocalFileToolsTest, EachContextReadLeavesOneRecordOfItsOutcome) {
     EXPECT_EQ(call("remember_preference", {{"note", "x"}}),
               json({{"ok", true}, {"char_count", 4}}));
     EXPECT_EQ(call("read_preferences")["content"], "- x\n");
-    EXPECT_EQ(call("list_dictionary", {{"limit", 1}})["total"], 2);
+    const json listed = call("list_dictionary", {{"limit", 1}});
+    EXPECT_EQ(listed["total"], 2);
     EXPECT_EQ(call("current_settings")["repliesMuted"], false);  // not the user's context
     EXPECT_EQ(records(),
               (std::vector<json>{
                   {{"tool", "remember_preference"}, {"result", "error: note is required"}},
                   {{"tool", "remember_preference"}, {"result", "ok"}, {"output_bytes", 4}},
                   {{"tool", "read_preferences"}, {"result", "ok"}, {"output_bytes", 4}},
-                  {{"tool", "list_dictionary"}, {"result", "ok"}, {"entries", 1}},
+                  {{"tool", "list_dictionary"},
+                   {"result", "ok"},
+                   {"output_bytes", dumpPretty(listed).size()},
+                   {"entries", 1}},
               }));
 }
 
@@ -98,8 +105,7 @@ TEST_F(LocalFileToolsTest, AugmentsComeFromBesideTheExecutableAndFromTheHome) {
     ToolContext context{home_.path(), (install.path() / "bin/orvo-agent-mcp").string(), nullptr,
                         &log_};
     const auto names = [&](const json& arguments) {
-        Result<ToolOutput> output = tool("list_augments").call(arguments, context);
-        const json result = std::get<json>(*output);
+        const json result = parsed(tool("list_augments").call(arguments, context));
         std::vector<std::string> found;
         for (const json& augment : result.value("augments", json::array())) {
             found.push_back(augment["source"].get<std::string>() + ":" +

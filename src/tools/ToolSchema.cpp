@@ -1,16 +1,7 @@
-// The common shape of tools that the app carries out: their arguments go to the app as they are.
-#include "tools/ForwardingTool.h"
-
-#include <cassert>
-
-#include "applink/AppClient.h"
+// Builders for tool argument schemas, shared by every family.
+#include "tools/ToolSchema.h"
 
 namespace orvo {
-
-Result<ToolOutput> ForwardingTool::call(const json& arguments, const ToolContext& context) const {
-    assert(context.app != nullptr);
-    return context.app->callApp(name(), arguments);
-}
 
 json objectSchema(json properties, std::initializer_list<std::string_view> required) {
     json schema = {
@@ -23,6 +14,11 @@ json objectSchema(json properties, std::initializer_list<std::string_view> requi
         schema["required"] = std::move(names);
     }
     return schema;
+}
+
+const json& emptyInputSchema() {
+    static const json kSchema = objectSchema(json::object());
+    return kSchema;
 }
 
 }  // namespace orvo
