@@ -30,6 +30,7 @@ constexpr ProgramRuleRow kProgramRuleRows[] = {
     {"npm", packagePublishing},
     {"osascript", osascript},
     {"pnpm", packagePublishing},
+    {"poetry", packagePublishing},
     {"python", python},
     {"python3", python},
     {"quarn", quarn},
@@ -38,6 +39,7 @@ constexpr ProgramRuleRow kProgramRuleRows[] = {
     {"ssh", ssh},
     {"tmux", tmux},
     {"twine", packagePublishing},
+    {"uv", packagePublishing},
     {"wget", webRequest},
     {"wrangler", wrangler},
     {"xh", webRequest},
@@ -402,6 +404,7 @@ const PhraseText kDropStash{"Dropping a stash", "Drop a stash"};
 const PhraseText kDeleteWorktree{"Deleting a worktree", "Delete a worktree"};
 const PhraseText kCallGitHubAPI{"Calling the GitHub API", "Call the GitHub API"};
 const PhraseText kPublishPackage{"Publishing the package", "Publish the package"};
+const PhraseText kUnpublishPackage{"Unpublishing the package", "Unpublish the package"};
 const PhraseText kDeployToCloudflare{"Deploying to Cloudflare", "Deploy to Cloudflare"};
 const PhraseText kRunRelease{"Running the release", "Run the release"};
 const PhraseText kDeleteFiles{"Deleting files", "Delete files"};

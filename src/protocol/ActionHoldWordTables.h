@@ -124,6 +124,7 @@ extern const PhraseText kDropStash;
 extern const PhraseText kDeleteWorktree;
 extern const PhraseText kCallGitHubAPI;
 extern const PhraseText kPublishPackage;
+extern const PhraseText kUnpublishPackage;
 extern const PhraseText kDeployToCloudflare;
 extern const PhraseText kRunRelease;
 extern const PhraseText kDeleteFiles;

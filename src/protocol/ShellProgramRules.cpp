@@ -636,6 +636,12 @@ std::optional<HeldAction> packagePublishingAction(std::string_view program,
     const std::size_t after = nextPositional(arguments, at + 1, kPackageManagerValueOptions);
     const std::string_view next =
         after < arguments.size() ? std::string_view(arguments[after]) : "";
+    // Taking a published version back is publishing too: those who depend on it see it go.
+    if (subcommand == "unpublish" ||
+        (program == "yarn" && subcommand == "npm" && next == "unpublish") ||
+        ((program == "cargo" || program == "gem") && subcommand == "yank")) {
+        return held(kUnpublishPackage, publishing);
+    }
     bool publishes = subcommand == "publish" || (program == "twine" && subcommand == "upload") ||
                      (program == "gem" && subcommand == "push") ||
                      (program == "yarn" && subcommand == "npm" && next == "publish");

@@ -92,6 +92,8 @@ TEST(ShellCommandClassifierTest, HowTheCommandIsWrittenDoesNotHideIt) {
 // shell), and the same words used as data, which stay unheld.
 TEST(ShellCommandClassifierTest, HoldsTheActionHoweverItIsWritten) {
     constexpr std::string_view kPublish = "publishing|Publishing the package|Publish the package";
+    constexpr std::string_view kUnpublish =
+        "publishing|Unpublishing the package|Unpublish the package";
     expectHeld({
         {"doas -n -u root git push -f", kForcePush},
         {"stdbuf -oL -e L git push -f", kForcePush},
@@ -126,6 +128,11 @@ TEST(ShellCommandClassifierTest, HoldsTheActionHoweverItIsWritten) {
         {"export RM=\"rm -rf\"; sudo $RM src", kDeleteFiles},
         {"G=$(which git); $G push -f", kForcePush},
         {"G=git; echo $G push -f; $G log; X=1 $Y push", ""},
+        {"npm unpublish pkg@1.0.0", kUnpublish},
+        {"yarn npm unpublish", kUnpublish},
+        {"cargo yank --version 1.0.0", kUnpublish},
+        {"npm unpublish --dry-run", ""},
+        {"poetry publish --build", kPublish},
         {"\"$(command -v git)\" push", kPush},
         {"sh -c \"$(printf 'git push')\"", kPush},
         {"echo 'git push --force' | bash", kForcePush},
