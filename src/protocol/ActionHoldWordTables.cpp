@@ -30,6 +30,7 @@ constexpr ProgramRuleRow kProgramRuleRows[] = {
     {"npm", packagePublishing},
     {"osascript", osascript},
     {"pnpm", packagePublishing},
+    {"poetry", packagePublishing},
     {"python", python},
     {"python3", python},
     {"quarn", quarn},
@@ -38,6 +39,7 @@ constexpr ProgramRuleRow kProgramRuleRows[] = {
     {"ssh", ssh},
     {"tmux", tmux},
     {"twine", packagePublishing},
+    {"uv", packagePublishing},
     {"wget", webRequest},
     {"wrangler", wrangler},
     {"xh", webRequest},
@@ -60,8 +62,69 @@ static_assert(std::ranges::is_sorted(kShellValueOptionWords));
 constexpr std::string_view kScriptExtensionWords[] = {"", "py", "sh"};
 static_assert(std::ranges::is_sorted(kScriptExtensionWords));
 
-// Wrappers and the options of each that take a value. The long forms of the sudo and env
+// Launchers and the options of each that take a value. The long forms of the sudo and env
 // options are the same options spelled out.
+constexpr std::string_view kArchOptions[] = {"-arch", "-d", "-e"};
+static_assert(std::ranges::is_sorted(kArchOptions));
+constexpr std::string_view kBunxOptions[] = {"--package", "-p"};
+static_assert(std::ranges::is_sorted(kBunxOptions));
+constexpr std::string_view kCaffeinateOptions[] = {"-t", "-w"};
+static_assert(std::ranges::is_sorted(kCaffeinateOptions));
+constexpr std::string_view kDoasOptions[] = {"-C", "-a", "-u"};
+static_assert(std::ranges::is_sorted(kDoasOptions));
+constexpr std::string_view kEnvOptions[] = {
+    "--chdir", "--split-string", "--unset", "-C", "-P", "-S", "-u"};
+static_assert(std::ranges::is_sorted(kEnvOptions));
+constexpr std::string_view kExecOptions[] = {"-a"};
+constexpr std::string_view kIoniceOptions[] = {"--class", "--classdata", "--pgid", "--pid", "--uid",
+                                               "-P",      "-c",          "-n",     "-p",    "-u"};
+static_assert(std::ranges::is_sorted(kIoniceOptions));
+constexpr std::string_view kNiceOptions[] = {"--adjustment", "-n"};
+static_assert(std::ranges::is_sorted(kNiceOptions));
+constexpr std::string_view kNpxOptions[] = {"--call", "--package", "-c", "-p"};
+static_assert(std::ranges::is_sorted(kNpxOptions));
+constexpr std::string_view kPackageRunnerOptions[] = {
+    "--call", "--filter", "--package", "--workspace", "-F", "-c", "-p", "-w"};
+static_assert(std::ranges::is_sorted(kPackageRunnerOptions));
+constexpr std::string_view kParallelOptions[] = {"--arg-file",
+                                                 "--basefile",
+                                                 "--colsep",
+                                                 "--delay",
+                                                 "--delimiter",
+                                                 "--env",
+                                                 "--halt",
+                                                 "--joblog",
+                                                 "--jobs",
+                                                 "--load",
+                                                 "--max-args",
+                                                 "--max-lines",
+                                                 "--max-procs",
+                                                 "--memfree",
+                                                 "--results",
+                                                 "--retries",
+                                                 "--return",
+                                                 "--sshlogin",
+                                                 "--sshloginfile",
+                                                 "--tagstring",
+                                                 "--timeout",
+                                                 "--tmpdir",
+                                                 "--workdir",
+                                                 "-C",
+                                                 "-E",
+                                                 "-I",
+                                                 "-L",
+                                                 "-N",
+                                                 "-P",
+                                                 "-S",
+                                                 "-a",
+                                                 "-d",
+                                                 "-j",
+                                                 "-n"};
+static_assert(std::ranges::is_sorted(kParallelOptions));
+constexpr std::string_view kSandboxExecOptions[] = {"-D", "-f", "-n", "-p"};
+static_assert(std::ranges::is_sorted(kSandboxExecOptions));
+constexpr std::string_view kStdbufOptions[] = {"--error", "--input", "--output", "-e", "-i", "-o"};
+static_assert(std::ranges::is_sorted(kStdbufOptions));
 constexpr std::string_view kSudoOptions[] = {
     "--chdir", "--chroot", "--close-from", "--command-timeout",
     "--group", "--host",   "--other-user", "--prompt",
@@ -70,25 +133,19 @@ constexpr std::string_view kSudoOptions[] = {
     "-g",      "-h",       "-p",           "-r",
     "-t",      "-u"};
 static_assert(std::ranges::is_sorted(kSudoOptions));
-constexpr std::string_view kEnvOptions[] = {
-    "--chdir", "--split-string", "--unset", "-C", "-P", "-S", "-u"};
-static_assert(std::ranges::is_sorted(kEnvOptions));
-constexpr std::string_view kExecOptions[] = {"-a"};
+constexpr std::string_view kTimeOptions[] = {"--format", "--output", "-f", "-o"};
+static_assert(std::ranges::is_sorted(kTimeOptions));
 constexpr std::string_view kTimeoutOptions[] = {"--kill-after", "--signal", "-k", "-s"};
 static_assert(std::ranges::is_sorted(kTimeoutOptions));
-constexpr std::string_view kNiceOptions[] = {"--adjustment", "-n"};
-static_assert(std::ranges::is_sorted(kNiceOptions));
-constexpr std::string_view kCaffeinateOptions[] = {"-t", "-w"};
-static_assert(std::ranges::is_sorted(kCaffeinateOptions));
+constexpr std::string_view kUvRunOptions[] = {"--directory", "--env-file", "--extra",   "--group",
+                                              "--index",     "--package",  "--project", "--python",
+                                              "--with",      "-p",         "-w"};
+static_assert(std::ranges::is_sorted(kUvRunOptions));
 constexpr std::string_view kXargsOptions[] = {
     "--arg-file",  "--delimiter", "--eof", "--max-args", "--max-chars", "--max-lines",
     "--max-procs", "-E",          "-I",    "-J",         "-L",          "-P",
     "-R",          "-S",          "-a",    "-d",         "-n",          "-s"};
 static_assert(std::ranges::is_sorted(kXargsOptions));
-constexpr std::string_view kNpxOptions[] = {"--call", "--package", "-c", "-p"};
-static_assert(std::ranges::is_sorted(kNpxOptions));
-constexpr std::string_view kBunxOptions[] = {"--package", "-p"};
-static_assert(std::ranges::is_sorted(kBunxOptions));
 
 // `env -S 'git push'` and `npx -c 'wrangler deploy'` run the value as a command line.
 constexpr std::string_view kEnvCommandOptions[] = {"--split-string", "-S"};
@@ -96,28 +153,60 @@ static_assert(std::ranges::is_sorted(kEnvCommandOptions));
 constexpr std::string_view kCallOptions[] = {"--call", "-c"};
 static_assert(std::ranges::is_sorted(kCallOptions));
 
-constexpr ShellWrapper kWrapperRows[] = {
-    {"builtin", {}, false, {}},
-    {"bunx", kBunxOptions, false, {}},
-    {"caffeinate", kCaffeinateOptions, false, {}},
-    {"command", {}, false, {}},
-    {"env", kEnvOptions, false, kEnvCommandOptions},
-    {"exec", kExecOptions, false, {}},
-    {"nice", kNiceOptions, false, {}},
-    {"nohup", {}, false, {}},
-    {"npx", kNpxOptions, false, kCallOptions},
-    {"sudo", kSudoOptions, false, {}},
-    {"time", {}, false, {}},
-    {"timeout", kTimeoutOptions, true, {}},
-    {"xargs", kXargsOptions, false, {}},
+using enum LaunchedCommand;
+
+// Homebrew's GNU coreutils on a Mac carry a "g" in front: gtimeout, gstdbuf, gnice.
+constexpr CommandLauncher kLauncherRows[] = {
+    {"arch", "", kArchOptions, {}, nextWord},
+    {"builtin", "", {}, {}, nextWord},
+    {"bun", "x", kBunxOptions, {}, nextWord},
+    {"bundle", "exec", {}, {}, nextWord},
+    {"bunx", "", kBunxOptions, {}, nextWord},
+    {"busybox", "", {}, {}, nextWord},
+    {"caffeinate", "", kCaffeinateOptions, {}, nextWord},
+    {"chronic", "", {}, {}, nextWord},
+    {"command", "", {}, {}, nextWord},
+    {"doas", "", kDoasOptions, {}, nextWord},
+    {"env", "", kEnvOptions, kEnvCommandOptions, nextWord},
+    {"exec", "", kExecOptions, {}, nextWord},
+    {"gnice", "", kNiceOptions, {}, nextWord},
+    {"gstdbuf", "", kStdbufOptions, {}, nextWord},
+    {"gtimeout", "", kTimeoutOptions, {}, afterDuration},
+    {"ionice", "", kIoniceOptions, {}, nextWord},
+    {"nice", "", kNiceOptions, {}, nextWord},
+    {"nohup", "", {}, {}, nextWord},
+    {"npm", "exec", kPackageRunnerOptions, kCallOptions, nextWord},
+    {"npx", "", kNpxOptions, kCallOptions, nextWord},
+    {"parallel", "", kParallelOptions, {}, commandTemplate},
+    {"pnpm", "dlx", kPackageRunnerOptions, kCallOptions, nextWord},
+    {"pnpm", "exec", kPackageRunnerOptions, kCallOptions, nextWord},
+    {"poetry", "run", {}, {}, nextWord},
+    {"sandbox-exec", "", kSandboxExecOptions, {}, nextWord},
+    {"stdbuf", "", kStdbufOptions, {}, nextWord},
+    {"sudo", "", kSudoOptions, {}, nextWord},
+    {"time", "", kTimeOptions, {}, nextWord},
+    {"timeout", "", kTimeoutOptions, {}, afterDuration},
+    {"unbuffer", "", {}, {}, nextWord},
+    {"uv", "run", kUvRunOptions, {}, nextWord},
+    {"xargs", "", kXargsOptions, {}, inputArguments},
+    {"yarn", "dlx", kPackageRunnerOptions, {}, nextWord},
+    {"yarn", "exec", kPackageRunnerOptions, {}, nextWord},
 };
-static_assert(std::ranges::is_sorted(kWrapperRows, {}, &ShellWrapper::name));
+static_assert(std::ranges::is_sorted(kLauncherRows, [](const auto& a, const auto& b) {
+    return a.name < b.name || (a.name == b.name && a.subcommand < b.subcommand);
+}));
 
-constexpr PackageRunner kPackageRunnerRows[] = {{"pnpm", "dlx"}, {"pnpm", "exec"}, {"npm", "exec"}};
+constexpr std::string_view kLauncherPrintOnlyOptionWords[] = {"--dry-run", "--dryrun", "--help"};
+static_assert(std::ranges::is_sorted(kLauncherPrintOnlyOptionWords));
 
-constexpr std::string_view kPackageRunnerOptionWords[] = {
-    "--call", "--filter", "--package", "--workspace", "-F", "-c", "-p", "-w"};
-static_assert(std::ranges::is_sorted(kPackageRunnerOptionWords));
+// ":::" gives the arguments on the command line, "::::" in files.
+constexpr std::string_view kParallelArgumentSeparatorWords[] = {":::", ":::+", "::::", "::::+"};
+static_assert(std::ranges::is_sorted(kParallelArgumentSeparatorWords));
+
+// Builtins that assign the NAME=value words after their options, as a bare assignment does.
+constexpr std::string_view kAssigningBuiltinWords[] = {"declare", "export", "local", "readonly",
+                                                       "typeset"};
+static_assert(std::ranges::is_sorted(kAssigningBuiltinWords));
 
 constexpr std::string_view kGitValueOptionWords[] = {"--git-dir", "--namespace", "--work-tree",
                                                      "-C", "-c"};
@@ -274,10 +363,10 @@ const SortedWords kShellKeywords = kShellKeywordWords;
 const SortedWords kShells = kShellWords;
 const SortedWords kShellValueOptions = kShellValueOptionWords;
 const SortedWords kScriptExtensions = kScriptExtensionWords;
-const std::span<const ShellWrapper> kWrappers = kWrapperRows;
-const std::span<const PackageRunner> kPackageRunners = kPackageRunnerRows;
-const SortedWords kPackageRunnerOptions = kPackageRunnerOptionWords;
-const SortedWords kPackageRunnerCommandOptions = kCallOptions;
+const std::span<const CommandLauncher> kLaunchers = kLauncherRows;
+const SortedWords kLauncherPrintOnlyOptions = kLauncherPrintOnlyOptionWords;
+const SortedWords kParallelArgumentSeparators = kParallelArgumentSeparatorWords;
+const SortedWords kAssigningBuiltins = kAssigningBuiltinWords;
 const SortedWords kGitValueOptions = kGitValueOptionWords;
 const SortedWords kGitHubQuietValueOptions = kGitHubQuietValueOptionWords;
 const SortedWords kGitHubAPIBodyOptions = kGitHubAPIBodyOptionWords;
@@ -315,6 +404,7 @@ const PhraseText kDropStash{"Dropping a stash", "Drop a stash"};
 const PhraseText kDeleteWorktree{"Deleting a worktree", "Delete a worktree"};
 const PhraseText kCallGitHubAPI{"Calling the GitHub API", "Call the GitHub API"};
 const PhraseText kPublishPackage{"Publishing the package", "Publish the package"};
+const PhraseText kUnpublishPackage{"Unpublishing the package", "Unpublish the package"};
 const PhraseText kDeployToCloudflare{"Deploying to Cloudflare", "Deploy to Cloudflare"};
 const PhraseText kRunRelease{"Running the release", "Run the release"};
 const PhraseText kDeleteFiles{"Deleting files", "Delete files"};

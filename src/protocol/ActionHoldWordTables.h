@@ -18,11 +18,22 @@ struct PhraseText {
     std::string_view base;
 };
 
-struct ShellWrapper {
+// Where the command that a launcher runs starts, after the launcher's own options.
+enum class LaunchedCommand {
+    nextWord,         // `sudo -u ci git push`
+    afterDuration,    // one more word first: `timeout 30 git push`
+    inputArguments,   // the next word, with more arguments read from input: `xargs rm -rf`
+    commandTemplate,  // shell text up to ":::", run once per argument: `parallel rm {} ::: a b`
+};
+
+// A program that runs the command written after it: a wrapper such as `sudo`, or a two-word
+// runner such as `pnpm dlx`.
+struct CommandLauncher {
     std::string_view name;
-    SortedWords valueOptions;    // options that take the next word as their value
-    bool skipsDuration;          // a duration word follows the options
-    SortedWords commandOptions;  // value options whose value is a command line to run
+    std::string_view subcommand;  // the second word of a two-word launcher; empty for one word
+    SortedWords valueOptions;     // options that take the next word as their value
+    SortedWords commandOptions;   // value options whose value is a command line to run
+    LaunchedCommand command;
 };
 
 // A pair of leading words, such as `gh pr merge`, and the held action it names.
@@ -52,12 +63,6 @@ enum class ProgramRule {
     webRequest,
 };
 
-// Two words that run the program named after them, such as `pnpm dlx`.
-struct PackageRunner {
-    std::string_view manager;
-    std::string_view command;
-};
-
 // An MCP server word and the name shown for it in phrases.
 struct MCPProvider {
     std::string_view serverWord;
@@ -76,10 +81,11 @@ extern const SortedWords kShellKeywords;
 extern const SortedWords kShells;
 extern const SortedWords kShellValueOptions;
 extern const SortedWords kScriptExtensions;
-extern const std::span<const ShellWrapper> kWrappers;  // sorted by name
-extern const std::span<const PackageRunner> kPackageRunners;
-extern const SortedWords kPackageRunnerOptions;
-extern const SortedWords kPackageRunnerCommandOptions;
+extern const std::span<const CommandLauncher> kLaunchers;  // sorted by name, then subcommand
+// Launcher options after which nothing runs: help, and a dry run that only prints the commands.
+extern const SortedWords kLauncherPrintOnlyOptions;
+extern const SortedWords kParallelArgumentSeparators;
+extern const SortedWords kAssigningBuiltins;
 extern const SortedWords kGitValueOptions;
 extern const SortedWords kGitHubQuietValueOptions;
 extern const SortedWords kGitHubAPIBodyOptions;
@@ -118,6 +124,7 @@ extern const PhraseText kDropStash;
 extern const PhraseText kDeleteWorktree;
 extern const PhraseText kCallGitHubAPI;
 extern const PhraseText kPublishPackage;
+extern const PhraseText kUnpublishPackage;
 extern const PhraseText kDeployToCloudflare;
 extern const PhraseText kRunRelease;
 extern const PhraseText kDeleteFiles;

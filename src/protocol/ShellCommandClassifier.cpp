@@ -2,6 +2,7 @@
 // it runs, applies that program's rule, reads nested command text, and merges by category.
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <unordered_set>
 
 #include "protocol/ActionHoldClassifier.h"
@@ -34,37 +35,58 @@ std::string_view segmentDetail(std::string_view text) {
     return prefixGraphemes(text, kDetailCharacters);
 }
 
-const ShellWrapper* findWrapper(std::string_view name) {
-    const auto it = std::ranges::lower_bound(kWrappers, name, {}, &ShellWrapper::name);
-    return it != kWrappers.end() && it->name == name ? &*it : nullptr;
+// The launcher that `words[at]` starts, with the number of its own words (one or two).
+std::pair<const CommandLauncher*, std::size_t> findLauncher(ShellArguments words, std::size_t at) {
+    const std::string_view name = programName(words[at]);
+    for (auto it = std::ranges::lower_bound(kLaunchers, name, {}, &CommandLauncher::name);
+         it != kLaunchers.end() && it->name == name; ++it) {
+        if (it->subcommand.empty()) {
+            return {&*it, 1};
+        }
+        if (at + 1 < words.size() && words[at + 1] == it->subcommand) {
+            return {&*it, 2};
+        }
+    }
+    return {nullptr, 0};
 }
 
-bool isPackageRunner(std::string_view manager, std::string_view command) {
-    return std::ranges::any_of(kPackageRunners, [&](const PackageRunner& runner) {
-        return runner.manager == manager && runner.command == command;
-    });
-}
-
-// A command's words past assignments, keywords, wrappers and package runners.
+// A command's words past assignments, keywords and launchers.
 struct Unwrapped {
     std::size_t program = 0;          // the index of the program word; the word count when none
     bool argumentsFromInput = false;  // xargs adds arguments read from its input
-    std::optional<std::string_view> commandLine;  // given to a wrapper to run (`env -S`)
+    bool runsInput = false;           // the commands to run are read from input (`| parallel`)
+    // Shell text given to a launcher to run (`env -S`, `parallel`); words after the program
+    // index are its arguments.
+    std::optional<std::string> commandLine;
 };
 
-// Skips the options after a wrapper, up to "--"; returns the index after them.
-std::size_t skipOptions(ShellArguments words, std::size_t i, SortedWords valueOptions,
-                        SortedWords commandOptions, Unwrapped& unwrapped) {
+// Skips a launcher's options, up to "--"; returns the index after them, or the word count when
+// an option asks it to run nothing.
+std::size_t skipOptions(ShellArguments words, std::size_t i, const CommandLauncher& launcher,
+                        Unwrapped& unwrapped) {
     while (i < words.size() && words[i].starts_with('-')) {
         if (words[i] == "--") {
             return i + 1;
         }
-        if (containsWord(commandOptions, words[i]) && i + 1 < words.size()) {
+        if (containsWord(kLauncherPrintOnlyOptions, words[i])) {
+            return words.size();
+        }
+        if (containsWord(launcher.commandOptions, words[i]) && i + 1 < words.size()) {
             unwrapped.commandLine = words[i + 1];
         }
-        i += containsWord(valueOptions, words[i]) ? 2 : 1;
+        i += containsWord(launcher.valueOptions, words[i]) ? 2 : 1;
     }
     return std::min(i, words.size());
+}
+
+bool isAssignment(std::string_view word) {
+    const std::size_t equals = word.find('=');
+    const std::string_view name = word.substr(0, equals);
+    return equals != npos && !name.empty() &&
+           std::isdigit(static_cast<unsigned char>(name[0])) == 0 &&
+           std::ranges::all_of(name, [](char c) {
+               return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
+           });
 }
 
 Unwrapped unwrap(ShellArguments words) {
@@ -72,21 +94,25 @@ Unwrapped unwrap(ShellArguments words) {
     std::size_t& i = unwrapped.program;
     while (i < words.size()) {
         const std::string_view word = words[i];
-        const std::string_view name = programName(word);
-        if (word.find('=') != std::string_view::npos || containsWord(kShellKeywords, word)) {
+        if (word.find('=') != npos || containsWord(kShellKeywords, word)) {
             ++i;
-        } else if (const ShellWrapper* wrapper = findWrapper(name)) {
-            unwrapped.argumentsFromInput = unwrapped.argumentsFromInput || name == "xargs";
-            i = skipOptions(words, i + 1, wrapper->valueOptions, wrapper->commandOptions,
-                            unwrapped);
-            if (wrapper->skipsDuration && i < words.size()) {
-                ++i;
-            }
-        } else if (i + 1 < words.size() && isPackageRunner(name, words[i + 1])) {
-            i = skipOptions(words, i + 2, kPackageRunnerOptions, kPackageRunnerCommandOptions,
-                            unwrapped);
-        } else {
+            continue;
+        }
+        const auto [launcher, ownWords] = findLauncher(words, i);
+        if (launcher == nullptr) {
             break;
+        }
+        i = skipOptions(words, i + ownWords, *launcher, unwrapped);
+        if (launcher->command == LaunchedCommand::afterDuration && i < words.size()) {
+            ++i;
+        } else if (launcher->command == LaunchedCommand::inputArguments) {
+            unwrapped.argumentsFromInput = true;
+        } else if (launcher->command == LaunchedCommand::commandTemplate && i < words.size()) {
+            unwrapped.commandLine = parallelCommands(words.subspan(i));
+            unwrapped.runsInput = !unwrapped.commandLine;
+            i = words.size();
+        } else if (launcher->command == LaunchedCommand::commandTemplate) {
+            unwrapped.runsInput = true;
         }
     }
     return unwrapped;
@@ -229,6 +255,70 @@ std::optional<std::string> substitutedCommand(std::string_view word, ShellArgume
     return command;
 }
 
+// A shell variable set by an earlier command of the same list: `G=git; $G push`.
+struct Assignment {
+    std::string_view name;
+    std::string_view value;
+};
+
+// The assignments that a command makes when it does nothing else: `G=git`, `export G=git`.
+void recordAssignments(ShellArguments words, std::vector<Assignment>& assignments) {
+    std::size_t i = 0;
+    if (!words.empty() && containsWord(kAssigningBuiltins, words[0])) {
+        for (i = 1; i < words.size() && words[i].starts_with('-');) {
+            ++i;
+        }
+    }
+    const ShellArguments rest = words.subspan(i);
+    if (rest.empty() || !std::ranges::all_of(rest, isAssignment)) {
+        return;
+    }
+    for (std::string_view word : rest) {
+        const std::size_t equals = word.find('=');
+        assignments.push_back({word.substr(0, equals), word.substr(equals + 1)});
+    }
+}
+
+// The words with each one that is exactly $NAME or ${NAME} of a recorded assignment replaced by
+// its value, split at blanks as the shell splits an unquoted expansion. A value that is itself a
+// substitution stays one word, to be read as one. None when no word was replaced.
+std::optional<std::vector<std::string>> substituteAssignments(
+    ShellArguments words, const std::vector<Assignment>& assignments) {
+    std::optional<std::vector<std::string>> result;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::string_view word = words[i];
+        std::string_view name;
+        if (word.starts_with("${") && word.ends_with('}')) {
+            name = word.substr(2, word.size() - 3);
+        } else if (word.starts_with('$')) {
+            name = word.substr(1);
+        }
+        const auto found =
+            std::ranges::find(assignments.rbegin(), assignments.rend(), name, &Assignment::name);
+        if (name.empty() || found == assignments.rend()) {
+            if (result) {
+                result->push_back(words[i]);
+            }
+            continue;
+        }
+        if (!result) {
+            result.emplace(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(i));
+        }
+        const std::string_view value = found->value;
+        if (value.starts_with("$(") || value.starts_with('`')) {
+            result->emplace_back(value);
+            continue;
+        }
+        constexpr std::string_view kBlanks = " \t\n";
+        for (std::size_t at = value.find_first_not_of(kBlanks); at != npos;) {
+            const std::size_t end = std::min(value.find_first_of(kBlanks, at), value.size());
+            result->emplace_back(value.substr(at, end - at));
+            at = value.find_first_not_of(kBlanks, end);
+        }
+    }
+    return result;
+}
+
 // A match as found, before merging. It keeps the text of the outermost command that holds it,
 // a view into the command line shared by every match of nested text; the detail is cut from it
 // only when merging, once per command, and only for commands that hold something.
@@ -261,9 +351,15 @@ public:
     // `outer` is the outermost command, for text nested in it.
     void readText(std::string_view text, int depth, std::optional<std::string_view> outer) {
         const std::vector<ShellSegment> segments = splitShellSegments(text);
+        std::vector<Assignment> assignments;  // views into `segments`
         for (std::size_t i = 0; i < segments.size(); ++i) {
             const ShellSegment* previous = i > 0 ? &segments[i - 1] : nullptr;
-            readSegment(segments[i], previous, depth, outer.value_or(segments[i].text));
+            const std::optional<std::vector<std::string>> substituted =
+                assignments.empty() ? std::nullopt
+                                    : substituteAssignments(segments[i].words, assignments);
+            readSegment(segments[i], substituted ? *substituted : segments[i].words, previous,
+                        depth, outer.value_or(segments[i].text));
+            recordAssignments(segments[i].words, assignments);
         }
     }
 
@@ -276,18 +372,18 @@ private:
 
     // What a command that runs its input is given: its here-documents, and what the command
     // before it prints into the pipe (`echo 'git push' | sh`).
-    void readInputs(const Command& command, int depth, std::string_view outer) {
-        for (const std::string& input : command.segment.inputs) {
+    void readInputs(const ShellSegment& segment, const ShellSegment* previous, int depth,
+                    std::string_view outer) {
+        for (const std::string& input : segment.inputs) {
             readNested(input, depth, outer);
         }
-        if (!command.segment.pipedInput || command.previous == nullptr) {
+        if (!segment.pipedInput || previous == nullptr) {
             return;
         }
-        if (std::optional<std::string> printed = printedText(*command.previous)) {
+        if (std::optional<std::string> printed = printedText(*previous)) {
             // On the command line itself the detail spans the pipe, so that the owner sees
             // what runs, not just "sh".
-            readNested(*printed, depth,
-                       depth == 0 ? spanning(command.previous->text, outer) : outer);
+            readNested(*printed, depth, depth == 0 ? spanning(previous->text, outer) : outer);
         }
     }
 
@@ -297,11 +393,12 @@ private:
         }
     }
 
-    void readSegment(const ShellSegment& segment, const ShellSegment* previous, int depth,
-                     std::string_view outer) {
-        const ShellArguments words = segment.words;
+    void readSegment(const ShellSegment& segment, ShellArguments words,
+                     const ShellSegment* previous, int depth, std::string_view outer) {
         const Unwrapped unwrapped = unwrap(words);
-        if (unwrapped.commandLine) {
+        if (unwrapped.runsInput) {
+            readInputs(segment, previous, depth, outer);
+        } else if (unwrapped.commandLine) {
             // The words after the command line are its arguments.
             std::string text(*unwrapped.commandLine);
             for (std::string_view word : words.subspan(unwrapped.program)) {
@@ -362,7 +459,7 @@ private:
                 } else if (invocation.script) {
                     hold(scriptNameAction(*invocation.script), outer);
                 } else {
-                    readInputs(command, depth, outer);
+                    readInputs(command.segment, command.previous, depth, outer);
                 }
                 return;
             }
@@ -372,7 +469,7 @@ private:
                 const ShellArguments remote = sshRemoteCommand(arguments);
                 readNested(joined(remote), depth, outer);
                 if (runsItsInput(remote)) {
-                    readInputs(command, depth, outer);
+                    readInputs(command.segment, command.previous, depth, outer);
                 }
                 return;
             }
@@ -383,7 +480,8 @@ private:
             case ProgramRule::rm:
                 return hold(rmAction(arguments, command.argumentsFromInput), outer);
             case ProgramRule::find:
-                return hold(findAction(arguments), outer);
+                hold(findAction(arguments), outer);
+                return readNested(findCommands(arguments), depth, outer);
             case ProgramRule::quarn:
                 return hold(quarnAction(arguments), outer);
             case ProgramRule::tmux:

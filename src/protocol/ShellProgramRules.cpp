@@ -2,6 +2,7 @@
 #include "protocol/ShellProgramRules.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <vector>
 
@@ -337,6 +338,28 @@ WebRequest readWebRequest(WebClient client, ShellArguments arguments) {
     return request;
 }
 
+// The word as the shell would have to read it: as it is when nothing in it is special.
+void appendQuoted(std::string& text, std::string_view word) {
+    constexpr std::string_view kPlain = "%+-./:=@_";
+    const bool plain =
+        word == "{}" || (!word.empty() && std::ranges::all_of(word, [&](char c) {
+            return std::isalnum(static_cast<unsigned char>(c)) != 0 || kPlain.find(c) != npos;
+        }));
+    if (plain) {
+        text += word;
+        return;
+    }
+    text += '\'';
+    for (char c : word) {
+        if (c == '\'') {
+            text += "'\\''";
+        } else {
+            text += c;
+        }
+    }
+    text += '\'';
+}
+
 }  // namespace
 
 std::string_view programName(std::string_view word) {
@@ -383,6 +406,113 @@ ShellInvocation readShellInvocation(ShellArguments arguments) {
         invocation.script = first;
     }
     return invocation;
+}
+
+std::string quotedCommandLine(ShellArguments words) {
+    std::string text;
+    for (std::string_view word : words) {
+        text += text.empty() ? "" : " ";
+        appendQuoted(text, word);
+    }
+    return text;
+}
+
+std::string findCommands(ShellArguments arguments) {
+    std::string text;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (!containsWord(kFindCommandActions, arguments[i])) {
+            continue;
+        }
+        const std::size_t start = i + 1;
+        std::size_t end = start;
+        while (end < arguments.size() && arguments[end] != ";" && arguments[end] != "+") {
+            ++end;
+        }
+        if (end > start && programName(arguments[start]) != "rm") {
+            text += quotedCommandLine(arguments.subspan(start, end - start));
+            text += '\n';
+        }
+        i = end;
+    }
+    return text;
+}
+
+std::optional<std::string> parallelCommands(ShellArguments words) {
+    // Each argument makes a command of its own; a few show what the whole run does.
+    constexpr std::size_t kArgumentsRead = 16;
+    const auto separator = std::ranges::find_if(words, [](std::string_view word) {
+        return containsWord(kParallelArgumentSeparators, word);
+    });
+    const ShellArguments commandWords =
+        words.first(static_cast<std::size_t>(separator - words.begin()));
+    // Arguments put into a command many times over could make hostile text grow without end;
+    // a few times the words is room enough for what parallel is given in earnest.
+    std::size_t budget = 1024;
+    for (std::string_view word : words) {
+        budget += 4 * word.size();
+    }
+    // Arguments named on the command line, up to a "::::" that reads more from files.
+    std::vector<std::string_view> arguments;
+    bool moreArguments = separator == words.end();
+    for (auto it = separator; it != words.end() && arguments.size() < kArgumentsRead; ++it) {
+        if (it->starts_with("::::")) {
+            moreArguments = true;
+            break;
+        }
+        if (!containsWord(kParallelArgumentSeparators, *it)) {
+            arguments.push_back(*it);
+        }
+    }
+    std::string text;
+    if (commandWords.empty()) {
+        // With no command, each argument is a command line of its own.
+        if (moreArguments && arguments.empty()) {
+            return std::nullopt;
+        }
+        for (std::string_view argument : arguments) {
+            text.append(argument).append("\n");
+        }
+        return text;
+    }
+    // The command is its words joined as shell text, or quoted word by word under -q; both are
+    // read, since the options are behind us. An argument goes in quoted at "{}", or at the end
+    // when the command names no place for it.
+    std::string joinedCommand;
+    for (std::string_view word : commandWords) {
+        joinedCommand.append(joinedCommand.empty() ? "" : " ").append(word);
+    }
+    const std::string quotedCommand = quotedCommandLine(commandWords);
+    for (const std::string* command :
+         std::array<const std::string*, 2>{&joinedCommand, &quotedCommand}) {
+        if (command == &quotedCommand && quotedCommand == joinedCommand) {
+            break;
+        }
+        const bool placed = command->find('{') != npos;
+        if (moreArguments) {
+            text.append(*command).append(placed ? "\n" : " {}\n");
+        }
+        for (std::string_view argument : arguments) {
+            std::string quoted;
+            appendQuoted(quoted, argument);
+            if (!placed) {
+                text.append(*command).append(" ").append(quoted);
+            }
+            for (std::size_t from = 0; placed && text.size() <= budget;) {
+                const std::size_t at = command->find("{}", from);
+                text.append(*command, from, at == npos ? npos : at - from);
+                if (at == npos) {
+                    break;
+                }
+                text.append(quoted);
+                from = at + 2;
+            }
+            text.append("\n");
+            if (text.size() > budget) {
+                return text;
+            }
+        }
+    }
+    return text;
 }
 
 ShellArguments sshRemoteCommand(ShellArguments arguments) {
@@ -506,6 +636,12 @@ std::optional<HeldAction> packagePublishingAction(std::string_view program,
     const std::size_t after = nextPositional(arguments, at + 1, kPackageManagerValueOptions);
     const std::string_view next =
         after < arguments.size() ? std::string_view(arguments[after]) : "";
+    // Taking a published version back is publishing too: those who depend on it see it go.
+    if (subcommand == "unpublish" ||
+        (program == "yarn" && subcommand == "npm" && next == "unpublish") ||
+        ((program == "cargo" || program == "gem") && subcommand == "yank")) {
+        return held(kUnpublishPackage, publishing);
+    }
     bool publishes = subcommand == "publish" || (program == "twine" && subcommand == "upload") ||
                      (program == "gem" && subcommand == "push") ||
                      (program == "yarn" && subcommand == "npm" && next == "publish");

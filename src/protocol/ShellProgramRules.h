@@ -29,6 +29,17 @@ struct ShellInvocation {
 };
 ShellInvocation readShellInvocation(ShellArguments arguments);
 
+// The words as shell text that reads back as the same words: `sh -c 'git push'`.
+std::string quotedCommandLine(ShellArguments words);
+
+// The commands that find runs for what it finds (-exec, -execdir, -ok, -okdir), as shell text, one
+// a line. Those run by `rm` are left to findAction, which knows where find looks.
+std::string findCommands(ShellArguments arguments);
+
+// The commands that parallel runs, given the words after its options, as shell text, one a line;
+// none when the commands themselves come from its input (`... | parallel`).
+std::optional<std::string> parallelCommands(ShellArguments words);
+
 // The remote command of an ssh invocation, after its options and destination.
 ShellArguments sshRemoteCommand(ShellArguments arguments);
 

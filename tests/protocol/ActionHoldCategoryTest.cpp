@@ -1,5 +1,7 @@
 #include "protocol/ActionHoldCategory.h"
 
+#include <string>
+
 #include <gtest/gtest.h>
 
 namespace orvo {
@@ -16,13 +18,13 @@ TEST(ActionHoldCategoryTest, RawValuesReadBackOnlyWhenSpelledExactly) {
     }
 }
 
-TEST(ActionHoldCategoryTest, DefaultEnabledIsEveryCaseButAgentPromptsInOrder) {
-    std::vector<ActionHoldCategory> expected(kAllActionHoldCategories.begin(),
-                                             kAllActionHoldCategories.end());
-    std::erase(expected, ActionHoldCategory::agent_prompts);
-    EXPECT_EQ(std::vector<ActionHoldCategory>(defaultEnabledActionHoldCategories().begin(),
-                                              defaultEnabledActionHoldCategories().end()),
-              expected);
+// The app lists these in this order; prompts typed into other agents start switched off.
+TEST(ActionHoldCategoryTest, DefaultEnabledIsTheFirstSixCasesInOrder) {
+    std::string enabled;
+    for (ActionHoldCategory category : defaultEnabledActionHoldCategories()) {
+        enabled.append(enabled.empty() ? "" : ",").append(rawValue(category));
+    }
+    EXPECT_EQ(enabled, "publishing,messages,deleting,closing,services,on_screen");
 }
 
 }  // namespace

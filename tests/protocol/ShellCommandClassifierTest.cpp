@@ -46,8 +46,6 @@ TEST(ShellCommandClassifierTest, WrappersAssignmentsAndKeywordsAreSkipped) {
         {"if true; then git push; fi", kPush},
         {"while true; do rm -rf src; done", kDeleteFiles},
         {"! git push", kPush},
-        {"env -S 'git push --force' origin main", kForcePush},
-        {"npx -c 'wrangler deploy'", "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
         {"env -S 'ls -la'", ""},
         {"env", ""},
         {"timeout 30", ""},
@@ -77,21 +75,73 @@ TEST(ShellCommandClassifierTest, HowTheCommandIsWrittenDoesNotHideIt) {
          "deleting|Discarding local changes|Discard local changes"},
         {"ssh prod <<EOF\ngit push\nEOF", kPush},
         {"ssh prod bash -s <<'EOF'\nrm -rf /srv/app\nEOF", kDeleteFiles},
-        {"\"$(command -v git)\" push", kPush},
-        {"sh -c \"$(printf 'git push')\"", kPush},
-        {"echo 'git push --force' | bash", kForcePush},
         {"cat <<'EOF' | ssh prod\ngit reset --hard\nEOF",
          "deleting|Discarding local changes|Discard local changes"},
-        {"find . -print0 | xargs -0 rm -rf", kDeleteFiles},
         {"ls | xargs rm -f", ""},
         {"echo 'git push' || bash", ""},
-        {"echo 'git push' | cat", ""},
         {"echo hi | bash script.sh", ""},
         {"ssh -L 8080:localhost:80 -N prod", ""},
         {"ssh prod 'cat > notes' <<EOF\ngit push\nEOF", ""},
         {"cat <<EOF > deploy.sh\ngit push\nEOF", ""},
         {"echo 'git push' '$(rm -rf src)'", ""},
+    });
+}
+
+// Where the hook holds more than the words of its tables: the same action written another way
+// (launched by another program, run by find or parallel, named through a variable, fed to a
+// shell), and the same words used as data, which stay unheld.
+TEST(ShellCommandClassifierTest, HoldsTheActionHoweverItIsWritten) {
+    constexpr std::string_view kPublish = "publishing|Publishing the package|Publish the package";
+    constexpr std::string_view kUnpublish =
+        "publishing|Unpublishing the package|Unpublish the package";
+    expectHeld({
+        {"doas -n -u root git push -f", kForcePush},
+        {"stdbuf -oL -e L git push -f", kForcePush},
+        {"gstdbuf --output=L git push -f", kForcePush},
+        {"ionice -c3 -n 7 chronic -ev unbuffer -p git push -f", kForcePush},
+        {"arch -x86_64 -e VAR=1 -arch arm64 git push -f", kForcePush},
+        {"sandbox-exec -f p.sb time -o t.txt git push -f", kForcePush},
+        {"busybox rm -rf src", kDeleteFiles},
+        {"gtimeout -s INT 30 doas -- git push -f", kForcePush},
+        {"uv run --with twine twine upload dist/*", kPublish},
+        {"env -S 'git push --force' origin main", kForcePush},
+        {"npx -c 'wrangler deploy'", "publishing|Deploying to Cloudflare|Deploy to Cloudflare"},
+        {"python3 -m twine upload dist/*", kPublish},
+        {"git branch -d -f topic", "deleting|Deleting a branch|Delete a branch"},
+        {"rm -rf node_modules/../src; find /tmp/../etc -delete", kDeleteFiles},
+        {"find . -print0 | xargs -0 rm -rf", kDeleteFiles},
+        {"parallel rm -rf ::: a b", kDeleteFiles},
+        {"parallel -j4 'git push -f {}' ::: r1", kForcePush},
+        {"parallel -q sh -c 'git push -f' ::: a", kForcePush},
+        {"parallel git ::: push", kPush},
+        {"ls | parallel rm -rf", kDeleteFiles},
+        {"echo 'git push -f' | parallel", kForcePush},
+        {"parallel ::: 'git push -f'", kForcePush},
+        {"parallel rm -rf ::: build dist", ""},
+        {"parallel echo ::: 'a; git push'", ""},
+        {"find . -execdir sh -c 'git push -f' \\;", kForcePush},
+        {"find . -exec bash -c 'rm -rf \"$1\"' _ {} +", kDeleteFiles},
+        {"find /tmp/x -exec rm -rf {} + -exec git push \\;", kPush},
+        {"find . -exec grep -l 'rm -rf' {} + -exec echo git push \\;", ""},
+        {"G=git; $G push -f", kForcePush},
+        {"G=git && \"${G}\" push --force", kForcePush},
+        {"export RM=\"rm -rf\"; sudo $RM src", kDeleteFiles},
+        {"G=$(which git); $G push -f", kForcePush},
+        {"G=git; echo $G push -f; $G log; X=1 $Y push", ""},
+        {"npm unpublish pkg@1.0.0", kUnpublish},
+        {"yarn npm unpublish", kUnpublish},
+        {"cargo yank --version 1.0.0", kUnpublish},
+        {"npm unpublish --dry-run", ""},
+        {"poetry publish --build", kPublish},
+        {"\"$(command -v git)\" push", kPush},
+        {"sh -c \"$(printf 'git push')\"", kPush},
+        {"echo 'git push --force' | bash", kForcePush},
+        {"echo 'git push' | cat", ""},
         {"echo git push", ""},
+        {"printf 'sh -c \"rm -rf /\"'", ""},
+        {"grep -r \"rm -rf\" . && git commit -m 'npm unpublish; git push -f'", ""},
+        {"cat > notes.md <<EOF\ngit push --force\nEOF", ""},
+        {"doas --help; parallel --dry-run rm -rf ::: a; find . -name '*.rm'", ""},
     });
 }
 
@@ -192,6 +242,15 @@ TEST(ShellCommandClassifierTest, HostileInputStaysFast) {
             return wide + "'";
         }(),
         "cat <<" + std::string(100000, '<'),
+        [] {
+            // Every argument goes in at every "{}", at every level of nested parallels.
+            std::string places;
+            for (int i = 0; i < 30000; ++i) {
+                places += "{}";
+            }
+            return "parallel \"parallel '" + places + "' ::: " + places +
+                   "\" ::: " + std::string(100000, 'x') + " y z";
+        }(),
     };
     for (const std::string& input : inputs) {
         SCOPED_TRACE(input.substr(0, 40));
