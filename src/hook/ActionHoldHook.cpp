@@ -126,9 +126,12 @@ HoldOutcome askOwner(const AppClient& app, const json& args, const HoldWait& wai
     if (!socket) {
         return {HoldOutcomeKind::failedOpen, socket.error().message};
     }
-    const std::string request = encodeMCPMutationRequest(
+    const Result<std::string> request = encodeMCPMutationRequest(
         ActionHoldWire::kMethod, app.withAgentContext(args, /*cancelOnDisconnect=*/false));
-    if (Status written = writeAll(socket->get(), request); !written) {
+    if (!request) {
+        return {HoldOutcomeKind::failedOpen, request.error().message};
+    }
+    if (Status written = writeAll(socket->get(), *request); !written) {
         return {HoldOutcomeKind::failedOpen, written.error().message};
     }
     // The request is whole: from here on a failure refuses the call rather than letting it run.

@@ -27,7 +27,7 @@ Result<std::string> toolResultText(const ToolOutput& output) {
         return rpcError(RPCCode::kInternalError,
                         "Internal error: tool result is not a JSON object or array");
     }
-    return dumpPretty(value);
+    return dumpReadable(value);
 }
 
 // The one place where a failure that is not an RPCError becomes one.

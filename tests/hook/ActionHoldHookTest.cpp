@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "protocol/AppEnvelope.h"
 #include "protocol/MCPSocketPath.h"
 #include "support/FakeApp.h"
 #include "support/ServerProcess.h"
@@ -60,6 +61,16 @@ TEST_F(ActionHoldHookTest, EveryOutcomeOfTheExchange) {
         {test::FakeReply{std::string(kMaxReplyBytes + 1, ' ')}, kNotRun,
          "reply too large; not running it"},
         {late, kNotRun, "no reply in time; not running it"},
+        // A reply that is not wholly JSON refuses the call, whatever it starts with.
+        {test::FakeReply{std::string(R"({"ok":true,"result":{"decision":"allow"}})")
+                             .append(1, '\0')
+                             .append("garbage")},
+         kNotRun, "malformed reply: response was not a JSON object; not running it"},
+        {test::FakeReply{std::string(R"({"ok":true,"result":{"decision":"allow","x":)")
+                             .append(kMaxReplyDepth, '[')
+                             .append(kMaxReplyDepth, ']')
+                             .append("}}")},
+         kNotRun, "malformed reply: response was not a JSON object; not running it"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.reply.bytes.substr(0, 80));
