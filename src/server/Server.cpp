@@ -1,6 +1,7 @@
 // The MCP server: answers JSON-RPC lines from the agent and writes one response line per request.
 #include "server/Server.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <exception>
 
@@ -30,6 +31,10 @@ Result<std::string> toolResultText(const ToolOutput& output) {
     return dumpReadable(value);
 }
 
+bool holds(const std::vector<std::string>& names, std::string_view name) {
+    return std::ranges::find(names, name) != names.end();
+}
+
 // The one place where a failure that is not an RPCError becomes one.
 template <class Run>
 Result<json> catchingInternalErrors(Run&& run) {
@@ -57,6 +62,12 @@ void Server::handleLine(std::string_view line) {
         answer(nullptr, rpcError(RPCCode::kInvalidRequest, "Request exceeds max depth"));
         return;
     }
+    // An id that would come back changed could also collide with another in flight.
+    if (holds(parsed.roundedMembers, "id")) {
+        answer(nullptr, rpcError(RPCCode::kInvalidRequest,
+                                 "Invalid Request: id is a number that cannot be echoed exactly"));
+        return;
+    }
     const json& request = parsed.value;
     const json* id = member(request, "id");
     const std::string_view method = stringMember(request, "method").value_or("");
@@ -67,7 +78,7 @@ void Server::handleLine(std::string_view line) {
     }
     if (id == nullptr) {
         // Notifications are never answered.
-        if (method == "notifications/cancelled") {
+        if (method == "notifications/cancelled" && !holds(parsed.roundedMembers, "params")) {
             if (const json* requestId = member(*params, "requestId")) {
                 requests_.cancel(requestIdKey(*requestId));
             }
