@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <mutex>
 #include <system_error>
 
 #include <fcntl.h>
@@ -142,9 +143,16 @@ UniqueFd createTemporary(const std::filesystem::path& target, std::filesystem::p
     }
 }
 
+// Held for the life of each temporary file; held for good once the process is ending.
+std::mutex& temporaryFileLock() {
+    static std::mutex lock;
+    return lock;
+}
+
 // Writes `text` to a new file beside `target` and moves it over `target`, so that readers see
 // the old file or the new one, never a part. Returns the failure, if any.
 std::optional<std::string> replaceFile(const std::filesystem::path& target, std::string_view text) {
+    const std::lock_guard<std::mutex> writing(temporaryFileLock());
     removeStaleTemporaries(target);
     std::filesystem::path temporary;
     int createError = 0;
@@ -264,6 +272,10 @@ json rememberPreference(const std::filesystem::path& file, std::optional<std::st
         return failure("could not write preferences", *writeFailure);
     }
     return json{{"ok", true}, {"char_count", countGraphemes(text)}};
+}
+
+void holdPreferenceWrites() {
+    temporaryFileLock().lock();  // NOLINT: released only by the end of the process
 }
 
 }  // namespace orvo
