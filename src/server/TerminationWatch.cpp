@@ -37,8 +37,8 @@ void TerminationWatch::finish() {
         return;
     }
     if (!claimed_.exchange(true)) {
-        // Wakes the waiter, which sees the claim and returns.
-        ::pthread_kill(waiter_.native_handle(), SIGTERM);
+        // Wakes the waiter with one of its own signals; it sees the claim and returns.
+        ::pthread_kill(waiter_.native_handle(), SIGINT);
     }
     waiter_.join();
 }
@@ -59,7 +59,7 @@ void TerminationWatch::watch() {
     sigemptyset(&only);
     sigaddset(&only, received);
     ::pthread_sigmask(SIG_UNBLOCK, &only, nullptr);
-    ::raise(received);
+    (void)::raise(received);
     ::_exit(128 + received);
 }
 
