@@ -34,7 +34,8 @@ void BM_ForwardedCallOverhead(benchmark::State& state) {
     app.on("get_meeting_notes", test::successReply({{"notes", "# Standup\n- ship it"}}));
 
     const std::string path = MCPSocketPath::resolve(home.path()).string();
-    const std::string request = encodeMCPMutationRequest("get_meeting_notes", json{{"id", "m-42"}});
+    const std::string request =
+        *encodeMCPMutationRequest("get_meeting_notes", json{{"id", "m-42"}});
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);

@@ -122,9 +122,12 @@ Result<json> AppClient::callApp(std::string_view method, json args) const {
         return std::move(socket).error();
     }
     const int fd = socket->get();
-    const std::string request =
+    const Result<std::string> request =
         encodeMCPMutationRequest(method, withAgentContext(std::move(args), token != nullptr));
-    if (Status written = writeAll(fd, request); !written) {
+    if (!request) {
+        return request.error();
+    }
+    if (Status written = writeAll(fd, *request); !written) {
         return std::move(written).error();
     }
     if (token == nullptr) {

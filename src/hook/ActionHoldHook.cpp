@@ -18,11 +18,9 @@
 namespace orvo {
 namespace {
 
-// Agents hand the hook the whole tool input, file contents included; beyond this it is not a
-// tool call we can read, and an unreadable call is let through.
-constexpr std::size_t kMaxHookInputBytes = std::size_t{64} * 1024 * 1024;
-// No agent nests a tool call this deep; hostile nesting is refused before it costs anything.
-constexpr int kMaxHookInputDepth = 256;
+// The classifiers read "tool_name" and the members of "tool_input", so nothing deeper is built:
+// input of any depth is read whole and checked, and deep contents cost neither stack nor memory.
+constexpr int kHookInputKeptDepth = 3;
 
 HoldOutcome failedClosed(std::string text) {
     return {HoldOutcomeKind::failedClosed, std::move(text)};
@@ -101,6 +99,8 @@ std::string denyLine(std::string_view reason) {
            "\n";
 }
 
+// All of it, however large: agents hand the hook whole file contents and attachments, and a
+// call is never let through for being big.
 std::string readAllInput() {
     std::string input;
     char chunk[65536];
@@ -113,9 +113,6 @@ std::string readAllInput() {
             return input;
         }
         input.append(chunk, static_cast<std::size_t>(n));
-        if (input.size() > kMaxHookInputBytes) {
-            return {};  // unreadable: let the call through
-        }
     }
 }
 
@@ -126,9 +123,12 @@ HoldOutcome askOwner(const AppClient& app, const json& args, const HoldWait& wai
     if (!socket) {
         return {HoldOutcomeKind::failedOpen, socket.error().message};
     }
-    const std::string request = encodeMCPMutationRequest(
+    const Result<std::string> request = encodeMCPMutationRequest(
         ActionHoldWire::kMethod, app.withAgentContext(args, /*cancelOnDisconnect=*/false));
-    if (Status written = writeAll(socket->get(), request); !written) {
+    if (!request) {
+        return {HoldOutcomeKind::failedOpen, request.error().message};
+    }
+    if (Status written = writeAll(socket->get(), *request); !written) {
         return {HoldOutcomeKind::failedOpen, written.error().message};
     }
     // The request is whole: from here on a failure refuses the call rather than letting it run.
@@ -137,7 +137,7 @@ HoldOutcome askOwner(const AppClient& app, const json& args, const HoldWait& wai
 }
 
 HookCall readHookCall(std::string_view input, const std::optional<std::string>& token) {
-    const BoundedParse parsed = parseJsonBounded(input, kMaxHookInputDepth);
+    const BoundedParse parsed = parseJsonPruned(input, kHookInputKeptDepth);
     const json& call = parsed.value;
     const json* toolName = member(call, "tool_name");
     const json* toolInput = member(call, "tool_input");

@@ -216,10 +216,21 @@ std::optional<std::string> AgentHookEvent::encode() const {
     putOptional(object, "cwd", cwd);
     object["host"] = encodeHost(host);
     object["timestamp"] = timestamp;
-    putOptional(object, "finalMessage", finalMessage);
+    // A message assigned directly rather than through setFinalMessage is cut all the same.
+    bool truncated = finalMessageTruncated;
+    if (finalMessage) {
+        const std::string_view kept =
+            prefixBytes(*finalMessage, AgentHookWire::kMaxFinalMessageBytes);
+        truncated = truncated || kept.size() < finalMessage->size();
+        object["finalMessage"] = kept;
+    }
     putOptional(object, "permissionDescription", permissionDescription);
     putOptional(object, "failure", failure);
-    object["finalMessageTruncated"] = finalMessageTruncated;
+    object["finalMessageTruncated"] = truncated;
+    // A time that is not finite would be written as null, which reading refuses.
+    if (!isRepresentable(object)) {
+        return std::nullopt;
+    }
     std::string text = object.dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
     if (text.size() > AgentHookWire::kMaxEventBytes) {
         return std::nullopt;

@@ -86,8 +86,9 @@ struct AgentHookEvent {
     // marks it truncated when it was cut.
     void setFinalMessage(std::string_view message);
 
-    // One line of JSON with the keys in field order; absent optional fields are left out. None
-    // when the line would exceed kMaxEventBytes.
+    // One line of JSON with the keys in field order; absent optional fields are left out, and a
+    // final message past its limit is cut and flagged as setFinalMessage does. None when the
+    // line would exceed kMaxEventBytes, or when a time is not finite or a text is not UTF-8.
     std::optional<std::string> encode() const;
 
     // Reads an encoded event back. None when the text exceeds kMaxEventBytes, is not a JSON

@@ -2,6 +2,22 @@
 #include "protocol/AppEnvelope.h"
 
 namespace orvo {
+namespace {
+
+// One line of the envelope, or why it cannot be written without loss.
+Result<std::string> envelopeLine(const json& envelope) {
+    if (!isRepresentable(envelope)) {
+        return RPCError{RPCCode::kInternalError,
+                        "Internal error: a number that is not finite or text that is not UTF-8 "
+                        "cannot be sent as JSON",
+                        std::nullopt};
+    }
+    std::string bytes = dumpCompact(envelope);
+    bytes.push_back('\n');
+    return bytes;
+}
+
+}  // namespace
 
 std::string_view rawValue(MCPMutationErrorCode code) {
     return kMCPMutationErrorCodes[static_cast<std::size_t>(code)].rawValue;
@@ -20,15 +36,14 @@ std::optional<MCPMutationErrorCode> mutationErrorCode(std::string_view raw) {
     return std::nullopt;
 }
 
-std::string encodeMCPMutationRequest(std::string_view method, const json& args) {
-    std::string bytes = dumpCompact(json{{"method", method}, {"args", args}});
-    bytes.push_back('\n');
-    return bytes;
+Result<std::string> encodeMCPMutationRequest(std::string_view method, const json& args) {
+    return envelopeLine(json{{"method", method}, {"args", args}});
 }
 
 MCPMutationDecodeResult decodeMCPMutationResponse(std::string_view bytes) {
-    json reply = json::parse(bytes, nullptr, false);
-    if (reply.is_discarded() || !reply.is_object()) {
+    BoundedParse parsed = parseJsonBounded(bytes, kMaxReplyDepth);
+    json& reply = parsed.value;
+    if (parsed.status != JsonParseStatus::ok || !reply.is_object()) {
         return MCPMutationMalformed{"response was not a JSON object"};
     }
     if (std::optional<bool> ok = boolMember(reply, "ok"); ok && *ok) {
@@ -64,21 +79,17 @@ Result<json> mutationOutcome(MCPMutationDecodeResult decoded) {
         std::nullopt};
 }
 
-std::string encodeMCPMutationSuccess(const json& result) {
-    std::string bytes = dumpCompact(json{{"ok", true}, {"result", result}});
-    bytes.push_back('\n');
-    return bytes;
+Result<std::string> encodeMCPMutationSuccess(const json& result) {
+    return envelopeLine(json{{"ok", true}, {"result", result}});
 }
 
-std::string encodeMCPMutationError(MCPMutationErrorCode code, std::string_view message,
-                                   const std::optional<json>& data) {
+Result<std::string> encodeMCPMutationError(MCPMutationErrorCode code, std::string_view message,
+                                           const std::optional<json>& data) {
     json error = {{"code", rawValue(code)}, {"message", message}};
     if (data) {
         error["data"] = *data;
     }
-    std::string bytes = dumpCompact(json{{"ok", false}, {"error", std::move(error)}});
-    bytes.push_back('\n');
-    return bytes;
+    return envelopeLine(json{{"ok", false}, {"error", std::move(error)}});
 }
 
 int MCPReplyTimeout::seconds(std::string_view method) {

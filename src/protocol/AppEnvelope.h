@@ -64,8 +64,13 @@ struct MCPMutationMalformed {
 using MCPMutationDecodeResult =
     std::variant<MCPMutationSuccess, MCPMutationError, MCPMutationMalformed>;
 
-// Server side: the request line, and the reading of the app's reply.
-std::string encodeMCPMutationRequest(std::string_view method, const json& args);
+// Replies nested deeper than this are malformed: nothing deeper is ever built from one.
+inline constexpr int kMaxReplyDepth = 256;
+
+// Server side: the request line, and the reading of the app's reply. The encoders here and
+// below refuse with -32603 a value that JSON cannot hold (a NaN, an infinity, text that is not
+// UTF-8) rather than write something else in its place.
+Result<std::string> encodeMCPMutationRequest(std::string_view method, const json& args);
 MCPMutationDecodeResult decodeMCPMutationResponse(std::string_view bytes);
 
 // The tool's outcome for a decoded reply: the app's result, or an RPCError that always carries
@@ -73,9 +78,9 @@ MCPMutationDecodeResult decodeMCPMutationResponse(std::string_view bytes);
 Result<json> mutationOutcome(MCPMutationDecodeResult decoded);
 
 // App side: the reply lines.
-std::string encodeMCPMutationSuccess(const json& result);
-std::string encodeMCPMutationError(MCPMutationErrorCode code, std::string_view message,
-                                   const std::optional<json>& data = std::nullopt);
+Result<std::string> encodeMCPMutationSuccess(const json& result);
+Result<std::string> encodeMCPMutationError(MCPMutationErrorCode code, std::string_view message,
+                                           const std::optional<json>& data = std::nullopt);
 
 namespace MCPReplyTimeout {
 // How long the whole reply may take, in seconds.

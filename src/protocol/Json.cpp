@@ -2,21 +2,85 @@
 #include "protocol/Json.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace orvo {
 namespace {
 
-// Builds the document through nlohmann's iterative SAX parser while counting depth, and stops
-// building (but keeps validating) once the document is deeper than allowed.
+// A JSON number's exact value: its sign, its significant digits without leading or trailing
+// zeros (none for zero), and the power of ten of the last one.
+struct Decimal {
+    bool negative = false;
+    std::string digits;
+    long long exponent = 0;
+
+    bool operator==(const Decimal&) const = default;
+};
+
+Decimal decimalOf(std::string_view text) {
+    Decimal decimal;
+    std::size_t i = 0;
+    if (i < text.size() && text[i] == '-') {
+        decimal.negative = true;
+        ++i;
+    }
+    long long fractionDigits = 0;
+    bool inFraction = false;
+    for (; i < text.size() && text[i] != 'e' && text[i] != 'E'; ++i) {
+        if (text[i] == '.') {
+            inFraction = true;
+            continue;
+        }
+        if (!decimal.digits.empty() || text[i] != '0') {
+            decimal.digits.push_back(text[i]);
+        }
+        fractionDigits += inFraction ? 1 : 0;
+    }
+    long long exponent = 0;
+    bool negativeExponent = false;
+    for (++i; i < text.size(); ++i) {
+        if (text[i] == '-' || text[i] == '+') {
+            negativeExponent = text[i] == '-';
+        } else if (exponent < 1'000'000'000'000) {  // far beyond any double; saturates
+            exponent = exponent * 10 + (text[i] - '0');
+        }
+    }
+    decimal.exponent = (negativeExponent ? -exponent : exponent) - fractionDigits;
+    while (!decimal.digits.empty() && decimal.digits.back() == '0') {
+        decimal.digits.pop_back();
+        ++decimal.exponent;
+    }
+    if (decimal.digits.empty()) {
+        decimal.exponent = 0;
+    }
+    return decimal;
+}
+
+// Whether `value`, read from the JSON number `text`, is written back as the same number.
+bool holdsExactly(double value, std::string_view text) {
+    // Up to 15 significant digits always survive the trip through a double.
+    if (text.size() <= 16 && text.find_first_of("eE") == std::string_view::npos) {
+        return true;
+    }
+    const std::string written = dumpCompact(value);  // "null" when not finite
+    return written != "null" && decimalOf(written) == decimalOf(text);
+}
+
+// Builds the document through nlohmann's iterative SAX parser while counting depth. Past the
+// depth limit it stops building (but keeps validating): the whole document when the limit is
+// strict, only the deeper part when it prunes.
 class BoundedDomBuilder {
 public:
-    BoundedDomBuilder(json& root, int maxDepth) : root_(root), maxDepth_(maxDepth) {}
+    BoundedDomBuilder(json& root, int maxDepth, bool prune)
+        : root_(root), maxDepth_(maxDepth), prune_(prune) {}
 
     bool tooDeep() const { return deepest_ > maxDepth_; }
     json::value_t topLevel() const { return topLevel_; }
+    std::vector<std::string> roundedMembers() && { return std::move(roundedMembers_); }
 
     // NOLINTBEGIN(readability-identifier-naming, readability-convert-member-functions-to-static)
     // nlohmann's SAX parser calls these by its own names, on the builder it is given.
@@ -24,7 +88,10 @@ public:
     bool boolean(bool value) { return scalar(value); }
     bool number_integer(json::number_integer_t value) { return scalar(value); }
     bool number_unsigned(json::number_unsigned_t value) { return scalar(value); }
-    bool number_float(json::number_float_t value, const std::string& /*text*/) {
+    bool number_float(json::number_float_t value, const std::string& text) {
+        if (topLevel_ == json::value_t::object && !holdsExactly(value, text)) {
+            roundedMember_ = true;
+        }
         return scalar(value);
     }
     bool string(std::string& value) { return scalar(std::move(value)); }
@@ -36,7 +103,12 @@ public:
     bool end_array() { return close(); }
 
     bool key(std::string& name) {
-        if (!tooDeep()) {
+        if (openCount_ == 1) {
+            noteRoundedMember();
+            memberName_ = name;
+        }
+        // The slot starts as null, which is also what a pruned value reads as.
+        if (building(openCount_)) {
             keySlot_ = &(*stack_.back())[name];
         }
         return true;
@@ -48,8 +120,30 @@ public:
     }
     // NOLINTEND(readability-identifier-naming, readability-convert-member-functions-to-static)
 
+    void finish() { noteRoundedMember(); }
+
 private:
     void noteDepth(int depth) { deepest_ = std::max(deepest_, depth); }
+
+    // Whether a value at `depth` becomes part of the document.
+    bool building(int depth) const { return depth <= maxDepth_ && (prune_ || !tooDeep()); }
+
+    // A top-level member whose value holds a number that reading rounded, such as an integer
+    // beyond 64 bits, is named once.
+    void noteRoundedMember() {
+        if (roundedMember_) {
+            roundedMembers_.push_back(memberName_);
+            roundedMember_ = false;
+        }
+    }
+
+    // A value just past the kept depth reads as null, so that arrays keep their length; a
+    // member's slot is null already.
+    void prune(int depth) {
+        if (prune_ && depth == maxDepth_ + 1 && !stack_.empty() && stack_.back()->is_array()) {
+            stack_.back()->emplace_back(nullptr);
+        }
+    }
 
     template <class V>
     json* place(V&& value) {
@@ -72,8 +166,10 @@ private:
             topLevel_ = json(value).type();
         }
         noteDepth(openCount_ + 1);
-        if (!tooDeep()) {
+        if (building(openCount_ + 1)) {
             place(std::forward<V>(value));
+        } else {
+            prune(openCount_ + 1);
         }
         return true;
     }
@@ -84,14 +180,16 @@ private:
         }
         ++openCount_;
         noteDepth(openCount_);
-        if (!tooDeep()) {
+        if (building(openCount_)) {
             stack_.push_back(place(type));
+        } else {
+            prune(openCount_);
         }
         return true;
     }
 
     bool close() {
-        // Containers opened after the limit was crossed were never pushed.
+        // Containers opened past the limit were never pushed.
         if (static_cast<int>(stack_.size()) == openCount_) {
             stack_.pop_back();
         }
@@ -101,30 +199,105 @@ private:
 
     json& root_;
     int maxDepth_;
+    bool prune_;
     int openCount_ = 0;
     int deepest_ = 0;
     std::vector<json*> stack_;
     json* keySlot_ = nullptr;
     json::value_t topLevel_ = json::value_t::discarded;
+    std::string memberName_;  // the top-level member being read, in an object
+    bool roundedMember_ = false;
+    std::vector<std::string> roundedMembers_;
 };
 
-}  // namespace
+// Indentation below this many bytes is never weighed against the text.
+constexpr std::size_t kFreeIndentationBytes = 65536;
+// Past the free allowance, indentation may make the text at most this many times larger.
+constexpr std::size_t kMaxIndentationFactor = 8;
 
-BoundedParse parseJsonBounded(std::string_view text, int maxDepth) {
+// The bytes that two-space indentation adds to the compact text: a line break and the indent
+// before every element and each closing bracket, and a space after every key.
+std::size_t indentationBytes(const json& value) {
+    std::size_t total = 0;
+    std::vector<std::pair<const json*, std::size_t>> pending{{&value, 0}};
+    while (!pending.empty()) {
+        const auto [node, level] = pending.back();
+        pending.pop_back();
+        if (!node->is_structured() || node->empty()) {
+            continue;
+        }
+        const std::size_t elements = node->size();
+        total += elements * (2 * (level + 1) + 1) + 2 * level + 1;
+        total += node->is_object() ? elements : 0;
+        for (const json& child : *node) {
+            pending.emplace_back(&child, level + 1);
+        }
+    }
+    return total;
+}
+
+template <class Value>
+bool holdsOnlyRepresentable(const Value& value) {
+    std::vector<const Value*> pending{&value};
+    while (!pending.empty()) {
+        const Value* node = pending.back();
+        pending.pop_back();
+        if (node->is_number_float() && !std::isfinite(node->template get<double>())) {
+            return false;
+        }
+        if (node->is_string() && !isValidUTF8(node->template get_ref<const std::string&>())) {
+            return false;
+        }
+        if (node->is_object()) {
+            for (auto it = node->begin(); it != node->end(); ++it) {
+                if (!isValidUTF8(it.key())) {
+                    return false;
+                }
+                pending.push_back(&it.value());
+            }
+        } else if (node->is_array()) {
+            for (const Value& child : *node) {
+                pending.push_back(&child);
+            }
+        }
+    }
+    return true;
+}
+
+BoundedParse parseWithBuilder(std::string_view text, int maxDepth, bool prune) {
     BoundedParse result;
-    BoundedDomBuilder builder(result.value, maxDepth);
+    // nlohmann's reader takes a NUL byte for the end of the input and would ignore what follows;
+    // JSON text never holds one raw, so the whole buffer is refused instead.
+    if (std::memchr(text.data(), '\0', text.size()) != nullptr) {
+        result.value = nullptr;
+        return result;
+    }
+    BoundedDomBuilder builder(result.value, maxDepth, prune);
     const bool parsed = json::sax_parse(text.begin(), text.end(), &builder);
+    builder.finish();
     result.topLevel = parsed ? builder.topLevel() : json::value_t::discarded;
     if (!parsed) {
         result.value = nullptr;
         result.status = JsonParseStatus::invalid;
-    } else if (builder.tooDeep()) {
+    } else if (builder.tooDeep() && !prune) {
         result.value = nullptr;
         result.status = JsonParseStatus::tooDeep;
     } else {
         result.status = JsonParseStatus::ok;
+        result.pruned = builder.tooDeep();
+        result.roundedMembers = std::move(builder).roundedMembers();
     }
     return result;
+}
+
+}  // namespace
+
+BoundedParse parseJsonBounded(std::string_view text, int maxDepth) {
+    return parseWithBuilder(text, maxDepth, /*prune=*/false);
+}
+
+BoundedParse parseJsonPruned(std::string_view text, int keptDepth) {
+    return parseWithBuilder(text, keptDepth, /*prune=*/true);
 }
 
 std::string dumpCompact(const json& value) {
@@ -133,6 +306,26 @@ std::string dumpCompact(const json& value) {
 
 std::string dumpPretty(const json& value) {
     return value.dump(2, ' ', false, json::error_handler_t::replace);
+}
+
+std::string dumpReadable(const json& value) {
+    const std::size_t indentation = indentationBytes(value);
+    if (indentation <= kFreeIndentationBytes) {
+        return dumpPretty(value);
+    }
+    std::string compact = dumpCompact(value);
+    if (indentation <= kMaxIndentationFactor * compact.size()) {
+        return dumpPretty(value);
+    }
+    return compact;
+}
+
+bool isRepresentable(const json& value) {
+    return holdsOnlyRepresentable(value);
+}
+
+bool isRepresentable(const nlohmann::ordered_json& value) {
+    return holdsOnlyRepresentable(value);
 }
 
 const json* member(const json& object, std::string_view key) {

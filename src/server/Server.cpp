@@ -1,6 +1,7 @@
 // The MCP server: answers JSON-RPC lines from the agent and writes one response line per request.
 #include "server/Server.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <exception>
 
@@ -15,6 +16,10 @@ namespace {
 
 RPCError rpcError(int code, std::string message) {
     return RPCError{code, std::move(message), std::nullopt};
+}
+
+bool holds(const std::vector<std::string>& names, std::string_view name) {
+    return std::ranges::find(names, name) != names.end();
 }
 
 // The one place where a failure that is not an RPCError becomes one.
@@ -44,6 +49,12 @@ void Server::handleLine(std::string_view line) {
         answer(nullptr, rpcError(RPCCode::kInvalidRequest, "Request exceeds max depth"));
         return;
     }
+    // An id that would come back changed could also collide with another in flight.
+    if (holds(parsed.roundedMembers, "id")) {
+        answer(nullptr, rpcError(RPCCode::kInvalidRequest,
+                                 "Invalid Request: id is a number that cannot be echoed exactly"));
+        return;
+    }
     const json& request = parsed.value;
     const json* id = member(request, "id");
     const std::string_view method = stringMember(request, "method").value_or("");
@@ -54,7 +65,7 @@ void Server::handleLine(std::string_view line) {
     }
     if (id == nullptr) {
         // Notifications are never answered.
-        if (method == "notifications/cancelled") {
+        if (method == "notifications/cancelled" && !holds(parsed.roundedMembers, "params")) {
             if (const json* requestId = member(*params, "requestId")) {
                 requests_.cancel(requestIdKey(*requestId));
             }

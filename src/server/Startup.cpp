@@ -13,8 +13,10 @@
 #include "server/Instructions.h"
 #include "server/LineReader.h"
 #include "server/Server.h"
+#include "server/TerminationWatch.h"
 #include "tools/ToolCatalog.h"
 #include "userfiles/ContextAuditLog.h"
+#include "userfiles/PreferenceNotes.h"
 
 namespace orvo {
 namespace {
@@ -59,6 +61,7 @@ StartupSettings readStartupSettings(std::span<const std::string> arguments,
 int runServer(const StartupSettings& settings, std::span<const PrecomputedListingEntry> listing) {
     // An agent that closes its end of the pipe must not kill us mid-write; the write fails instead.
     (void)std::signal(SIGPIPE, SIG_IGN);
+    blockTerminationSignals();
 
     const ToolRegistry registry = ToolRegistry::assemble(registeredTools(), settings.selection);
     const std::filesystem::path home = userHomeDirectory();
@@ -82,12 +85,23 @@ int runServer(const StartupSettings& settings, std::span<const PrecomputedListin
     options.precomputedListing = listing;
     Server server(registry, std::move(options));
 
+    // A terminated server leaves the notes whole, no temporary file behind and every answered
+    // read audited. Calls in flight are not waited for: the app sees their sockets close with
+    // the process.
+    TerminationWatch terminationWatch([&auditLog] {
+        holdPreferenceWrites();
+        if (!auditLog.drainForExit(kAuditDrainLimit)) {
+            logDiagnostic("audit log records still unwritten at exit were dropped");
+        }
+    });
+
     LineReader reader(STDIN_FILENO);
     while (std::optional<std::string_view> line = reader.next()) {
         if (!line->empty()) {
             server.handleLine(*line);
         }
     }
+    terminationWatch.finish();
     server.finishInput();
     // Records of reads already answered must reach the file before the process goes.
     if (!auditLog.drain(kAuditDrainLimit)) {

@@ -15,7 +15,7 @@ RPCError internalError(std::string message) {
     return RPCError{RPCCode::kInternalError, std::move(message), std::nullopt};
 }
 
-// The text of a tool result: JSON objects and arrays pretty-printed, plain texts as they are.
+// The text of a tool result: JSON objects and arrays readably printed, plain texts as they are.
 Result<std::string> toolText(const ToolOutput& output) {
     if (const auto* text = std::get_if<PlainText>(&output)) {
         return text->text;
@@ -24,7 +24,7 @@ Result<std::string> toolText(const ToolOutput& output) {
     if (!value.is_object() && !value.is_array()) {
         return internalError("Internal error: tool result is not a JSON object or array");
     }
-    return dumpPretty(value);
+    return dumpReadable(value);
 }
 
 const std::string* stringAt(const json& object, std::string_view key) {

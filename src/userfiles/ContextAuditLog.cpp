@@ -55,6 +55,7 @@ struct ContextAuditLog::Queue {
     std::deque<AuditRecord> pending;
     bool writing = false;
     bool stopping = false;
+    bool closed = false;  // the process is ending: no record is taken any more
 };
 
 ContextAuditLog::ContextAuditLog(ContextAuditLogOptions options)
@@ -80,7 +81,9 @@ ContextAuditLog::~ContextAuditLog() {
 }
 
 void ContextAuditLog::record(AuditRecord record) {
-    std::lock_guard<std::mutex> guard(queue_->lock);
+    std::unique_lock<std::mutex> guard(queue_->lock);
+    // Held here, the caller never answers a call whose record would be lost.
+    queue_->changed.wait(guard, [this] { return !queue_->closed; });
     queue_->pending.push_back(std::move(record));
     if (!writer_.joinable()) {
         writer_ = std::thread([queue = queue_, file = options_.file] {
@@ -109,6 +112,14 @@ bool ContextAuditLog::drain(std::chrono::milliseconds limit) {
     std::unique_lock<std::mutex> guard(queue_->lock);
     return queue_->changed.wait_for(guard, limit,
                                     [this] { return queue_->pending.empty() && !queue_->writing; });
+}
+
+bool ContextAuditLog::drainForExit(std::chrono::milliseconds limit) {
+    {
+        std::lock_guard<std::mutex> guard(queue_->lock);
+        queue_->closed = true;
+    }
+    return drain(limit);
 }
 
 void ContextAuditLog::activityCue() {

@@ -63,6 +63,10 @@ public:
     // not.
     bool drain(std::chrono::milliseconds limit);
 
+    // drain() for a process that is about to end: from now on record() never returns, so that
+    // no call is answered whose record was not written.
+    bool drainForExit(std::chrono::milliseconds limit);
+
 private:
     struct Queue;
 

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <mutex>
 #include <system_error>
 
 #include <fcntl.h>
@@ -19,8 +20,11 @@
 namespace orvo {
 namespace {
 
-// Hand-edited files may outgrow the append cap; reading stays bounded all the same.
-constexpr std::size_t kMaxPreferencesReadBytes = 1048576;
+// Hand-edited files may outgrow the append cap and are read whole; this bound only keeps a
+// runaway file from exhausting memory.
+constexpr std::size_t kMaxPreferencesReadBytes = std::size_t{64} * 1024 * 1024;
+// As many links as the system itself follows before it calls a chain a loop.
+constexpr int kMaxLinksFollowed = 32;
 // A temporary file this old belongs to a write that will never finish: no write takes a minute.
 constexpr std::chrono::minutes kStaleTemporaryAge{1};
 // How many directory entries one clean-up looks at.
@@ -76,14 +80,22 @@ std::string describe(const std::error_code& error) {
 }
 
 // A link to the notes (kept in a dotfiles repository, say) stays a link: the file it points to is
-// the one replaced.
+// the one replaced, or created when the link dangles. A loop of links ends at one of them, which
+// reading then refuses.
 std::filesystem::path resolveLink(const std::filesystem::path& file) {
-    std::error_code error;
-    if (!std::filesystem::is_symlink(file, error)) {
-        return file;
+    std::filesystem::path path = file;
+    for (int followed = 0; followed < kMaxLinksFollowed; ++followed) {
+        std::error_code error;
+        if (!std::filesystem::is_symlink(path, error)) {
+            break;
+        }
+        const std::filesystem::path next = std::filesystem::read_symlink(path, error);
+        if (error) {
+            break;
+        }
+        path = next.is_absolute() ? next : path.parent_path() / next;
     }
-    std::filesystem::path target = std::filesystem::canonical(file, error);
-    return error ? file : target;
+    return path;
 }
 
 std::string temporaryPrefix(const std::filesystem::path& target) {
@@ -131,9 +143,16 @@ UniqueFd createTemporary(const std::filesystem::path& target, std::filesystem::p
     }
 }
 
+// Held for the life of each temporary file; held for good once the process is ending.
+std::mutex& temporaryFileLock() {
+    static std::mutex lock;
+    return lock;
+}
+
 // Writes `text` to a new file beside `target` and moves it over `target`, so that readers see
 // the old file or the new one, never a part. Returns the failure, if any.
 std::optional<std::string> replaceFile(const std::filesystem::path& target, std::string_view text) {
+    const std::lock_guard<std::mutex> writing(temporaryFileLock());
     removeStaleTemporaries(target);
     std::filesystem::path temporary;
     int createError = 0;
@@ -253,6 +272,10 @@ json rememberPreference(const std::filesystem::path& file, std::optional<std::st
         return failure("could not write preferences", *writeFailure);
     }
     return json{{"ok", true}, {"char_count", countGraphemes(text)}};
+}
+
+void holdPreferenceWrites() {
+    temporaryFileLock().lock();  // NOLINT: released only by the end of the process
 }
 
 }  // namespace orvo

@@ -26,4 +26,8 @@ std::string normalizePreferenceNote(std::string_view note);
 json readPreferences(const std::filesystem::path& file);
 json rememberPreference(const std::filesystem::path& file, std::optional<std::string_view> note);
 
+// Waits for a rewrite of the notes in progress to end and lets no other begin, so that a process
+// about to end leaves no temporary file behind. Never undone.
+void holdPreferenceWrites();
+
 }  // namespace orvo

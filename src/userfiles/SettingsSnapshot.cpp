@@ -11,6 +11,9 @@
 namespace orvo {
 namespace {
 
+// Deeper than any setting the snapshot reads; what lies below reads as null, like an absent one.
+constexpr int kSettingsKeptDepth = 16;
+
 // The app writes a few kilobytes; a larger file is not its settings file.
 constexpr std::size_t kMaxSettingsBytes = std::size_t{8} * 1024 * 1024;
 constexpr std::size_t kMaxModelIdentifierLength = 167;
@@ -105,11 +108,12 @@ bool decodeField(const json& object, std::string_view key, std::optional<T>& fie
 }
 
 std::optional<json> parseSettingsObject(std::string_view bytes) {
-    json parsed = json::parse(bytes, nullptr, false);
-    if (parsed.is_discarded() || !parsed.is_object()) {
+    // The settings nest a few levels; deeper contents are checked but never built.
+    BoundedParse parsed = parseJsonPruned(bytes, kSettingsKeptDepth);
+    if (parsed.status != JsonParseStatus::ok || !parsed.value.is_object()) {
         return std::nullopt;
     }
-    return parsed;
+    return std::move(parsed.value);
 }
 
 bool isLowerAlnum(char c) {

@@ -1,5 +1,8 @@
 #include "applink/AppClient.h"
 
+#include <cmath>
+#include <limits>
+
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -72,6 +75,11 @@ TEST_F(AppClientTest, ReadsEveryReplyShape) {
     const std::string tail = "\"}\n";
     const std::string mebibyte =
         head + std::string(kMaxReplyBytes - head.size() - tail.size(), 'x') + tail;
+    const auto nested = [](std::size_t depth) {
+        return std::string(depth, '[') + std::string(depth, ']');
+    };
+    const std::string malformed =
+        "-32002 Malformed response from Orvo: response was not a JSON object";
     const struct {
         std::string reply;
         std::string outcome;
@@ -93,6 +101,16 @@ TEST_F(AppClientTest, ReadsEveryReplyShape) {
          R"(-32603 No {"code":"internal_error","n":1})"},
         {mebibyte, "= \"" + std::string(kMaxReplyBytes - head.size() - tail.size(), 'x') + "\""},
         {mebibyte + " ", "-32000 response too large (>1 MiB)"},
+        // The whole reply is the document: nothing after a NUL byte is ignored.
+        {std::string("{\"ok\":true}").append(1, '\0').append("junk"), malformed},
+        // Nesting is bounded before anything deep is built, copied or written.
+        {head.substr(0, 20) + nested(kMaxReplyDepth - 1) + "}",
+         std::string("= ").append(nested(kMaxReplyDepth - 1))},
+        {head.substr(0, 20) + nested(kMaxReplyDepth) + "}", malformed},
+        {std::string(R"({"ok":false,"error":{"code":"refused","data":)")
+             .append(nested(100000))
+             .append("}}"),
+         malformed},
     };
     test::FakeApp app(socketPath());
     for (const auto& c : cases) {
@@ -155,22 +173,39 @@ TEST(AppEnvelopeTest, ReplyTimeLimitsByMethod) {
 }
 
 TEST(AppEnvelopeTest, AppSideEncodersWriteWhatTheClientDecodes) {
-    EXPECT_EQ(encodeMCPMutationError(MCPMutationErrorCode::consent_denied, "Denied"),
+    EXPECT_EQ(*encodeMCPMutationError(MCPMutationErrorCode::consent_denied, "Denied"),
               "{\"error\":{\"code\":\"consent_denied\",\"message\":\"Denied\"},\"ok\":false}\n");
-    EXPECT_EQ(encodeMCPMutationSuccess(json{{"path", "/a/b"}}),
+    EXPECT_EQ(*encodeMCPMutationSuccess(json{{"path", "/a/b"}}),
               "{\"ok\":true,\"result\":{\"path\":\"/a/b\"}}\n");
-    EXPECT_EQ(encodeMCPMutationRequest("m", json{{"u", "a/b"}}),
+    EXPECT_EQ(*encodeMCPMutationRequest("m", json{{"u", "a/b"}}),
               "{\"args\":{\"u\":\"a/b\"},\"method\":\"m\"}\n");
     for (const auto& info : kMCPMutationErrorCodes) {
         SCOPED_TRACE(info.rawValue);
         const auto code = mutationErrorCode(info.rawValue);
         ASSERT_TRUE(code);
         auto decoded =
-            decodeMCPMutationResponse(encodeMCPMutationError(*code, "m", json{{"k", 1}}));
+            decodeMCPMutationResponse(*encodeMCPMutationError(*code, "m", json{{"k", 1}}));
         ASSERT_TRUE(std::holds_alternative<MCPMutationError>(decoded));
         EXPECT_EQ(std::get<MCPMutationError>(decoded).code, *code);
         EXPECT_EQ(std::get<MCPMutationError>(decoded).data, json({{"k", 1}}));
     }
+    // What JSON cannot hold is refused, never written as null or U+FFFD.
+    const json unrepresentable[] = {
+        json{{"x", std::nan("")}},
+        json::array({1, std::numeric_limits<double>::infinity()}),
+        json{{"bad \xFF key", 1}},
+        json{{"k", {{"deep", "bad \xC3"}}}},
+    };
+    for (const json& value : unrepresentable) {
+        SCOPED_TRACE(value.dump(-1, ' ', false, json::error_handler_t::replace));
+        for (const Result<std::string>& encoded :
+             {encodeMCPMutationSuccess(value), encodeMCPMutationRequest("m", value),
+              encodeMCPMutationError(MCPMutationErrorCode::refused, "m", value)}) {
+            ASSERT_FALSE(encoded);
+            EXPECT_EQ(encoded.error().code, RPCCode::kInternalError);
+        }
+    }
+    EXPECT_FALSE(encodeMCPMutationError(MCPMutationErrorCode::refused, "bad \xFF message"));
 }
 
 }  // namespace

@@ -62,6 +62,33 @@ TEST_F(AppSessionTest, RefusalsAndOddResultsReachTheAgentAsErrors) {
     EXPECT_EQ(server->request(toolCall(2, "list_meetings")),
               json::parse(R"({"jsonrpc":"2.0","id":2,"error":{"code":-32603,
                   "message":"Internal error: tool result is not a JSON object or array"}})"));
+
+    // Nesting past the reply limit is malformed, from ordinary and computer-use tools alike, and
+    // the server goes on. Deep nesting within it cannot multiply the reply by its indentation.
+    const std::string deep = std::string(100000, '[') + std::string(100000, ']');
+    app_->on("get_meeting_notes",
+             FakeReply{std::string(R"({"ok":false,"error":{"code":"refused","data":)")
+                           .append(deep)
+                           .append("}}")});
+    app_->on("computer_inspect",
+             FakeReply{std::string(R"({"ok":true,"result":)").append(deep) + "}"});
+    for (const char* tool : {"get_meeting_notes", "computer_inspect"}) {
+        SCOPED_TRACE(tool);
+        EXPECT_EQ(server->request(toolCall(3, tool)),
+                  json::parse(R"({"jsonrpc":"2.0","id":3,"error":{"code":-32002,
+                      "message":"Malformed response from Orvo: response was not a JSON object"}})"));
+    }
+    std::string wide = std::string(R"({"ok":true,"result":)").append(250, '[').append("0");
+    for (int i = 0; i < 100000; ++i) {
+        wide.append(",0");
+    }
+    app_->on("list_meetings", FakeReply{wide.append(250, ']').append("}")});
+    server->sendLine(dumpCompact(toolCall(4, "list_meetings")));
+    const std::optional<std::string> line = server->readLine();
+    ASSERT_TRUE(line);
+    EXPECT_LT(line->size(), 4 * wide.size());
+    EXPECT_EQ(server->request({{"jsonrpc", "2.0"}, {"id", 5}, {"method", "ping"}}),
+              json::parse(R"({"jsonrpc":"2.0","id":5,"result":{}})"));
 }
 
 // Limits, duplicates and cancellation are the server's unit tests; what only a real process

@@ -1,5 +1,7 @@
 // The preference tools through the real binary, run as a throwaway user: what the audit log
 // records, what the cue does, and that no crash ever leaves a torn file.
+#include <array>
+#include <csignal>
 #include <random>
 #include <regex>
 #include <set>
@@ -73,7 +75,8 @@ protected:
     }
     std::vector<fs::path> temporaries() const {
         std::vector<fs::path> found;
-        for (const auto& entry : fs::directory_iterator(directory_)) {
+        std::error_code missing;
+        for (const auto& entry : fs::directory_iterator(directory_, missing)) {
             if (entry.path().filename().string().starts_with(".preferences.md.tmp-")) {
                 found.push_back(entry.path());
             }
@@ -154,8 +157,12 @@ TEST_F(PreferencesSessionTest, KilledServersLeaveOneWholeVersionAndNoLastingLitt
     std::mt19937 random(20261121);
     std::uniform_int_distribution<int> delayMicroseconds(0, 5000);
     std::string expected;  // everything acknowledged so far
-    for (int round = 0; round < 12; ++round) {
-        SCOPED_TRACE("round " + std::to_string(round));
+    for (int round = 0; round < 18; ++round) {
+        // SIGTERM and SIGINT let the server finish: no litter, every answered call audited.
+        const int signal = std::array{SIGKILL, SIGTERM, SIGINT}[round % 3];
+        SCOPED_TRACE("round " + std::to_string(round) + ", signal " + std::to_string(signal));
+        const std::size_t litterBefore = temporaries().size();
+        const std::size_t recordsBefore = auditRecords().size();
         ServerProcess server(asUser());
         for (int n = 0; n < 8; ++n) {
             server.sendLine(callLine(n, "remember_preference", {{"note", noteText(round, n)}}));
@@ -164,10 +171,15 @@ TEST_F(PreferencesSessionTest, KilledServersLeaveOneWholeVersionAndNoLastingLitt
         // slowly this build starts.
         ASSERT_TRUE(isOk(resultOf(server.readLine())));
         std::this_thread::sleep_for(std::chrono::microseconds(delayMicroseconds(random)));
-        server.kill();
+        server.kill(signal);
         std::size_t acknowledged = 1;
         while (isOk(resultOf(server.readLine(std::chrono::milliseconds(50))))) {
             ++acknowledged;
+        }
+        if (signal != SIGKILL) {
+            EXPECT_EQ(server.waitForExit(), 128 + signal);
+            EXPECT_EQ(temporaries().size(), litterBefore);
+            EXPECT_GE(auditRecords().size(), recordsBefore + acknowledged);
         }
         // The file is the one before this round plus this round's first k notes, in order, with
         // at least every acknowledged one: a version that one of its appends produced.

@@ -56,6 +56,13 @@ TEST(ServerSessionTest, AnswersEachLineWithTheExactResponse) {
          errorLine("9", -32602, "speak_every_reply takes no arguments")},
         {R"({"id":10,"method":"prompts/get","params":{"name":"other"}})",
          errorLine("10", -32602, "Unknown prompt: other")},
+        {std::string(R"({"id":11,"method":"ping"})").append(1, '\0').append("garbage"),
+         errorLine("null", -32700, "Parse error")},
+        // Ids come back exactly as sent or not at all: rounding would make two of them one.
+        {R"({"id":123456789012345678901234567890,"method":"ping"})",
+         errorLine("null", -32600,
+                   "Invalid Request: id is a number that cannot be echoed exactly")},
+        {R"({"id":1e30,"method":"ping"})", R"({"id":1e+30,"jsonrpc":"2.0","result":{}})"},
     };
     ServerProcess server;
     for (const auto& c : cases) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "protocol/AppEnvelope.h"
 #include "protocol/MCPSocketPath.h"
 #include "support/FakeApp.h"
 #include "support/ServerProcess.h"
@@ -60,6 +61,16 @@ TEST_F(ActionHoldHookTest, EveryOutcomeOfTheExchange) {
         {test::FakeReply{std::string(kMaxReplyBytes + 1, ' ')}, kNotRun,
          "reply too large; not running it"},
         {late, kNotRun, "no reply in time; not running it"},
+        // A reply that is not wholly JSON refuses the call, whatever it starts with.
+        {test::FakeReply{std::string(R"({"ok":true,"result":{"decision":"allow"}})")
+                             .append(1, '\0')
+                             .append("garbage")},
+         kNotRun, "malformed reply: response was not a JSON object; not running it"},
+        {test::FakeReply{std::string(R"({"ok":true,"result":{"decision":"allow","x":)")
+                             .append(kMaxReplyDepth, '[')
+                             .append(kMaxReplyDepth, ']')
+                             .append("}}")},
+         kNotRun, "malformed reply: response was not a JSON object; not running it"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.reply.bytes.substr(0, 80));
@@ -78,23 +89,40 @@ TEST_F(ActionHoldHookTest, EveryOutcomeOfTheExchange) {
 
 TEST_F(ActionHoldHookTest, AsksOnlyForHeldCallsAndLetsUnreadableInputThrough) {
     test::FakeApp app(socketPath());
+    app.on("action_hold", test::successReply({{"decision", "allow"}}));
+    const auto withDeepField = [](std::size_t depth) {
+        return std::string(R"({"tool_name":"Bash","x":)")
+            .append(depth, '[')
+            .append(depth, ']')
+            .append(R"(,"tool_input":{"command":"git push --force","y":{"z":[{}]}}})");
+    };
     const struct {
         std::string input;
         std::vector<std::string> log;
+        bool asked = false;
     } cases[] = {
         {R"({"tool_name":"Read","tool_input":{"file_path":"/etc/hosts"}})", {}},
         {R"({"tool_name":"Bash","tool_input":{"command":"git push --force -n"}})", {}},
         {"not json", {"unreadable hook input; allowing"}},
         {R"({"tool_name":"Bash","tool_input":"git push -f"})", {"unreadable hook input; allowing"}},
         {std::string(1 << 20, '['), {"unreadable hook input; allowing"}},
+        {std::string(R"({"tool_name":"Read","tool_input":{}})").append(1, '\0') + kForcePush,
+         {"unreadable hook input; allowing"}},
+        // Depth in fields the classifier never reads is no reason to let a held call through.
+        {withDeepField(255), {}, true},
+        {withDeepField(100000), {}, true},
+        {withDeepField(100000).append("]"), {"unreadable hook input; allowing"}},
     };
+    std::size_t asked = 0;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.input.substr(0, 80));
         const HookResult result = run(c.input);
         EXPECT_EQ(result.output, "");
         EXPECT_EQ(result.logLines, c.log);
+        asked += c.asked ? 1 : 0;
+        EXPECT_TRUE(app.waitForRequests(asked));
+        EXPECT_EQ(app.received().size(), asked);
     }
-    EXPECT_TRUE(app.received().empty());
 }
 
 TEST_F(ActionHoldHookTest, FailsOpenWithoutTheAppAndQuietlyWhenTheAgentIsGone) {

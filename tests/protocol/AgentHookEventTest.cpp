@@ -1,5 +1,8 @@
 #include "protocol/AgentHookEvent.h"
 
+#include <cmath>
+#include <limits>
+
 #include <gtest/gtest.h>
 
 namespace orvo {
@@ -107,6 +110,11 @@ TEST(AgentHookEventTest, FinalMessageIsCutToItsLimitOnACharacterBoundary) {
     const std::optional<std::string> text = event.encode();
     ASSERT_TRUE(text);
     EXPECT_EQ(AgentHookEvent::decode(*text), event);
+
+    // Assigned past the setter, the message is cut when it is written.
+    AgentHookEvent assigned = fullEvent();
+    assigned.finalMessage = std::string(AgentHookWire::kMaxFinalMessageBytes - 1, 'a') + "é";
+    EXPECT_EQ(AgentHookEvent::decode(assigned.encode().value_or("")), event);
 }
 
 TEST(AgentHookEventTest, OversizedEventsAreNeitherWrittenNorRead) {
@@ -119,6 +127,19 @@ TEST(AgentHookEventTest, OversizedEventsAreNeitherWrittenNorRead) {
     ASSERT_TRUE(text);
     EXPECT_EQ(AgentHookEvent::decode(*text + std::string(AgentHookWire::kMaxEventBytes, ' ')),
               std::nullopt);
+
+    // Nor are events whose times JSON cannot hold, nor text that is not UTF-8.
+    for (const double time : {std::nan(""), std::numeric_limits<double>::infinity()}) {
+        AgentHookEvent timed = fullEvent();
+        timed.timestamp = time;
+        EXPECT_EQ(timed.encode(), std::nullopt);
+        timed = fullEvent();
+        timed.host.ancestors[1].startTime = -time;
+        EXPECT_EQ(timed.encode(), std::nullopt);
+    }
+    AgentHookEvent garbled = fullEvent();
+    garbled.cwd = "/Users/caf\xE9";
+    EXPECT_EQ(garbled.encode(), std::nullopt);
 }
 
 TEST(AgentHookEventTest, DecodingRejectsMissingAndMistypedFields) {

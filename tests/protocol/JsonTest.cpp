@@ -1,5 +1,7 @@
 #include "protocol/Json.h"
 
+#include <cmath>
+
 #include <gtest/gtest.h>
 
 namespace orvo {
@@ -19,7 +21,8 @@ TEST(JsonTest, BoundedParseMeasuresDepthAndLetsSyntaxErrorsWin) {
         {"[[[[]]]", 3, JsonParseStatus::invalid},  // deep and broken: the syntax error wins
         {"", 8, JsonParseStatus::invalid},
         {"{} {}", 8, JsonParseStatus::invalid},
-        {"{\"a\":\"\\ud800\"}", 8, JsonParseStatus::invalid},  // lone surrogate escape
+        {"{\"a\":\"\\ud800\"}", 8, JsonParseStatus::invalid},   // lone surrogate escape
+        {std::string("{}\0", 3), 8, JsonParseStatus::invalid},  // the whole buffer is the document
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
@@ -33,6 +36,23 @@ TEST(JsonTest, BoundedParseKeepsTheWholeDocumentAndTheLastDuplicateKey) {
     ASSERT_EQ(parsed.status, JsonParseStatus::ok);
     EXPECT_EQ(parsed.topLevel, json::value_t::object);
     EXPECT_EQ(parsed.value, json::parse(R"({"id":[1,"x",null,true,-2.5],"m":{"k":{}},"id2":2})"));
+    EXPECT_FALSE(parsed.pruned);
+    EXPECT_TRUE(parsed.roundedMembers.empty());
+
+    // Members whose numbers would be written back changed are named; exact ones are not.
+    EXPECT_EQ(parseJsonBounded(
+                  R"({"id":123456789012345678901234567890,"n":[0.10000000000000000001],"x":0.1,)"
+                  R"("y":1e30,"z":18446744073709551616,"w":-0.0})",
+                  32)
+                  .roundedMembers,
+              (std::vector<std::string>{"id", "n", "z"}));
+
+    // Pruning keeps the shallow part whole and reads what lies just below as null.
+    BoundedParse pruned = parseJsonPruned(R"({"a":[1,[2,[3]],{"b":{}}],"c":{"d":[[]]},"e":1})", 3);
+    ASSERT_EQ(pruned.status, JsonParseStatus::ok);
+    EXPECT_TRUE(pruned.pruned);
+    EXPECT_EQ(pruned.value,
+              json::parse(R"({"a":[1,[null,null],{"b":null}],"c":{"d":[null]},"e":1})"));
 }
 
 TEST(JsonTest, BoundedParseSurvivesMegabytesOfNesting) {
@@ -42,6 +62,8 @@ TEST(JsonTest, BoundedParseSurvivesMegabytesOfNesting) {
     BoundedParse parsed = parseJsonBounded(balanced, 32);
     EXPECT_EQ(parsed.status, JsonParseStatus::tooDeep);
     EXPECT_EQ(parsed.topLevel, json::value_t::array);
+    EXPECT_EQ(parseJsonPruned(balanced, 3).value, json::parse("[[[null]]]"));
+    EXPECT_EQ(parseJsonPruned(balanced + "]", 3).status, JsonParseStatus::invalid);
 }
 
 TEST(JsonTest, DumpsSortedCompactWithSlashesAndUnicodeAsTheyAre) {
@@ -49,6 +71,20 @@ TEST(JsonTest, DumpsSortedCompactWithSlashesAndUnicodeAsTheyAre) {
     EXPECT_EQ(dumpCompact(value), R"({"a":"é🙂","b":"a/b","c":{"y":null,"z":1}})");
     EXPECT_EQ(dumpPretty(json{{"k", 1}}), "{\n  \"k\": 1\n}");
     EXPECT_EQ(dumpCompact(json("bad \xFF byte")), "\"bad \xEF\xBF\xBD byte\"");
+
+    // Readable text is indented unless the indentation would dwarf the values.
+    json wide = json::array();
+    for (int i = 0; i < 100000; ++i) {
+        wide.push_back(0);
+    }
+    EXPECT_EQ(dumpReadable(wide), dumpPretty(wide));
+    json deep = wide;
+    for (int level = 0; level < 200; ++level) {
+        deep = json::array({std::move(deep)});
+    }
+    EXPECT_EQ(dumpReadable(deep), dumpCompact(deep));
+    EXPECT_FALSE(isRepresentable(json{{"a", {1, std::nan("")}}}));
+    EXPECT_TRUE(isRepresentable(json{{"a", {1.5, "\xC3\xA9"}}}));
 }
 
 TEST(JsonTest, UTF8CheckRejectsEveryMalformedForm) {

@@ -55,14 +55,14 @@ bool sawHalfClose(int fd, std::chrono::milliseconds wait) {
 }  // namespace
 
 FakeReply successReply(const json& result) {
-    return FakeReply{encodeMCPMutationSuccess(result)};
+    return FakeReply{*encodeMCPMutationSuccess(result)};
 }
 
 FakeReply errorReply(std::string_view rawCode, std::string_view message,
                      const std::optional<json>& data) {
     // Codes outside the app's vocabulary are written by hand, as a misbehaving app would.
     if (std::optional<MCPMutationErrorCode> code = mutationErrorCode(rawCode)) {
-        return FakeReply{encodeMCPMutationError(*code, message, data)};
+        return FakeReply{*encodeMCPMutationError(*code, message, data)};
     }
     json error = {{"code", rawCode}, {"message", message}};
     if (data) {

@@ -169,12 +169,12 @@ void ServerProcess::closeInput() {
     closeFd(input_);
 }
 
-void ServerProcess::kill() {
+void ServerProcess::kill(int signal) {
     if (!exitStatus_ && pid_ > 0) {
-        ::kill(pid_, SIGKILL);
+        ::kill(pid_, signal);
         int status = 0;
         ::waitpid(pid_, &status, 0);
-        exitStatus_ = 128 + SIGKILL;
+        exitStatus_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     }
 }
 

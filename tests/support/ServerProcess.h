@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -39,8 +40,9 @@ public:
     // Sends one request line and returns the parsed response line (null when none came).
     json request(const json& message);
     void closeInput();
-    // Ends the process at once with SIGKILL, as a crash or a force quit would.
-    void kill();
+    // Sends `signal` and waits for the process to end: SIGKILL ends it at once, as a crash or a
+    // force quit would.
+    void kill(int signal = SIGKILL);
     // The exit status, or absent if the process is still running after `timeout`.
     std::optional<int> waitForExit(std::chrono::milliseconds timeout = 10s);
     // Everything written to standard error so far (complete once the process has exited).

@@ -141,9 +141,13 @@ TEST(PreferenceNotesTest, ReadsTheWholeTextOrSaysWhyNot) {
     fs::remove(file);
     ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);  // read at once, it would block
     expectUnreadable("not a regular file");
+
+    // A hand-edited file past the append cap is still read whole.
     fs::remove(file);
-    test::writeFile(file, std::string(1048577, 'x'));
-    expectUnreadable("the file is larger than 1048576 bytes");
+    const std::string large(1536 * 1024, 'x');
+    test::writeFile(file, large);
+    EXPECT_EQ(readPreferences(file), json({{"content", large}, {"char_count", large.size()}}));
+    EXPECT_EQ(rememberPreference(file, "note")["error"], "preferences file is full (32 KB cap)");
 }
 
 TEST(PreferenceNotesTest, RewriteKeepsLinksAndPermissionsAndClearsStaleTemporaries) {
@@ -177,6 +181,13 @@ TEST(PreferenceNotesTest, RewriteKeepsLinksAndPermissionsAndClearsStaleTemporari
     EXPECT_EQ(std::distance(fs::directory_iterator(file.parent_path()), fs::directory_iterator()),
               1);
     EXPECT_EQ(readPreferences(file), json({{"content", "a\n- b\n"}, {"char_count", 6}}));
+
+    // A dangling link, relative here, gets its file created where it points.
+    fs::remove(file);
+    fs::create_symlink("../../dotfiles/new.md", file);
+    EXPECT_EQ(rememberPreference(file, "c"), json({{"ok", true}, {"char_count", 4}}));
+    EXPECT_TRUE(fs::is_symlink(file));
+    EXPECT_EQ(test::readFile(real.parent_path() / "new.md"), "- c\n");
 }
 
 }  // namespace

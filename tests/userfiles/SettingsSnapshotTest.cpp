@@ -30,6 +30,12 @@ TEST(SettingsSnapshotTest, DecodesTolerantlyAndFillsDefaults) {
         {"", "{}"},
         {"[1]", "{}"},
         {R"({"assistantEnabled":tr)", "{}"},  // cut short by a concurrent write
+        {std::string(R"({"repliesMuted":true})").append(1, '\0').append("x"), "{}"},
+        {std::string(R"({"repliesMuted":true,"x":)")
+             .append(100000, '[')
+             .append(100000, ']')
+             .append("}"),
+         R"({"repliesMuted":true})"},
         {R"({"assistantBackend":""})", "{}"},
         {R"({"assistantEnabled":null,"repliesMuted":true})", R"({"repliesMuted":true})"},
         {R"({"assistantBackend":"claude","assistantEnabled":true,"ambientListeningLevel":"",
