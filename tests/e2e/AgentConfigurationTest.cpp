@@ -1,6 +1,6 @@
 // The configuration in docs/agents.md, run as written: the agents' commands against the real
 // binary, and the hook fed the input Claude Code sends, its decision read as Claude Code reads it.
-#include <algorithm>
+#include <iterator>
 #include <regex>
 #include <sstream>
 
@@ -28,15 +28,6 @@ std::vector<std::string> codeBlocks(const std::string& page, const std::string& 
     return blocks;
 }
 
-std::vector<std::string> words(const std::string& line) {
-    std::istringstream stream(line);
-    std::vector<std::string> result;
-    for (std::string word; stream >> word;) {
-        result.push_back(word);
-    }
-    return result;
-}
-
 class AgentConfigurationTest : public UserAppTest {
 protected:
     // The `_agent` that reaches the app from a server started with `arguments`.
@@ -57,17 +48,13 @@ protected:
 };
 
 TEST_F(AgentConfigurationTest, TheDocumentedServersTellTheAppWhichAgentCalls) {
-    std::vector<std::string> claude;
-    for (const std::string& block : codeBlocks(page_, "sh")) {
-        if (block.starts_with("claude mcp add ")) {
-            claude = words(block);
-        }
-    }
-    const auto dashes = std::ranges::find(claude, "--");
-    ASSERT_LT(std::distance(claude.begin(), dashes) + 1, std::ssize(claude))
+    std::smatch claude;
+    ASSERT_TRUE(std::regex_search(
+        page_, claude, std::regex("\n```sh\nclaude mcp add [^\n]* -- (\\S+)([^\n]*)\n```")))
         << "no `claude mcp add … -- command` block";
-    EXPECT_EQ(*std::next(dashes), kPlaceholder);
-    EXPECT_EQ(agentSeenByTheApp({std::next(dashes, 2), claude.end()}), "claude");
+    EXPECT_EQ(claude[1], kPlaceholder);
+    std::istringstream arguments(claude[2].str());
+    EXPECT_EQ(agentSeenByTheApp({std::istream_iterator<std::string>(arguments), {}}), "claude");
 
     const std::vector<std::string> toml = codeBlocks(page_, "toml");
     ASSERT_EQ(toml.size(), 1u);
@@ -98,21 +85,18 @@ TEST_F(AgentConfigurationTest, TheDocumentedHookGivesClaudeCodeTheOwnersDecision
 
     const std::string reason = "Not on main, please: open a pull request.";
     app_->on("action_hold", successReply({{"decision", "deny"}, {"reason", reason}}));
-    const json input = {
-        {"session_id", "8f1c2a4e-5b6d-4c3e-9a7b-1d2e3f4a5b6c"},
-        {"transcript_path", "/Users/you/.claude/projects/-repo/8f1c2a4e.jsonl"},
-        {"cwd", "/repo"},
-        {"permission_mode", "default"},
-        {"hook_event_name", "PreToolUse"},
-        {"tool_use_id", "toolu_01ABC123"},
-        {"tool_name", "Bash"},
-        {"tool_input", {{"command", "git push --force origin main"}, {"description", "Push it"}}}};
+    const std::string input =
+        R"({"session_id":"8f1c2a4e-5b6d-4c3e-9a7b-1d2e3f4a5b6c","cwd":"/repo",)"
+        R"("transcript_path":"/Users/you/.claude/projects/-repo/8f1c2a4e.jsonl",)"
+        R"("permission_mode":"default","hook_event_name":"PreToolUse","tool_name":"Bash",)"
+        R"("tool_use_id":"toolu_01ABC123","tool_input":{"command":"git push --force origin main",)"
+        R"("description":"Push it"}})";
     // Claude Code runs the command through the shell and writes the input to it.
     ProcessOptions options = asUser();
     options.program = "/bin/sh";
     options.arguments = {"-c", command};
     ServerProcess agentHook(options);
-    agentHook.send(dumpCompact(input));
+    agentHook.send(input);
     agentHook.closeInput();
     const std::optional<std::string> output = agentHook.readLine();
     ASSERT_EQ(agentHook.waitForExit(), 0);

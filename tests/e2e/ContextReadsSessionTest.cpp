@@ -13,19 +13,13 @@ using namespace std::chrono_literals;
 
 class ContextReadsSessionTest : public UserAppTest {
 protected:
-    // The audit lines so far, without their time.
-    std::vector<json> records(std::size_t expected) const {
-        std::vector<std::string> lines;
-        for (int i = 0; i < 200; ++i) {
-            lines = splitLines(
-                readFile(user_->home / ".config/orvo-agent/mcp-context-reads.jsonl").value_or(""));
-            if (lines.size() >= expected) {
-                break;
-            }
-            std::this_thread::sleep_for(10ms);
-        }
+    // The audit lines, without their time. Read once the server has exited: it writes every
+    // queued record before it does.
+    std::vector<json> records() const {
         std::vector<json> parsed;
-        for (const std::string& line : lines) {
+        for (const std::string& line :
+             splitLines(readFile(user_->home / ".config/orvo-agent/mcp-context-reads.jsonl")
+                            .value_or(""))) {
             json record = json::parse(line, nullptr, false);
             EXPECT_TRUE(record.is_object() && record.contains("ts")) << line;
             record.erase("ts");
@@ -88,7 +82,7 @@ TEST_F(ContextReadsSessionTest, EachReadLeavesOneLineOfItsOutcome) {
     }
     server.closeInput();
     EXPECT_EQ(server.waitForExit(), 0);
-    EXPECT_EQ(records(expected.size()), expected);
+    EXPECT_EQ(records(), expected);
     EXPECT_TRUE(expected[2]["result"].get<std::string>().starts_with("error: "));
     EXPECT_TRUE(expected[3]["result"].get<std::string>().starts_with("error: "));
 }
@@ -112,7 +106,7 @@ TEST_F(ContextReadsSessionTest, ABurstOfReadsCuesOnceUnlessSilenced) {
         EXPECT_EQ(cuesAfterSettling() - before, silenced ? 0u : 1u);
         server.closeInput();
         EXPECT_EQ(server.waitForExit(), 0);
-        EXPECT_EQ(records(3).size(), 3u);
+        EXPECT_EQ(records().size(), 3u);
     }
 }
 

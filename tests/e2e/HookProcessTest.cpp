@@ -38,17 +38,15 @@ protected:
 
 // A refusal through the process is the documented hook's test, the other outcomes the hook's
 // unit tests.
-TEST_F(HookProcessTest, AnAllowedCallRunsSilentlyAfterTheMatchesToolAndTokenAreSent) {
+TEST_F(HookProcessTest, AnAllowedCallRunsSilentlyAfterTheTokenIsSent) {
     app_->on("action_hold", successReply({{"decision", "allow"}}));
     const Run run = runHook();
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.output, "");
     EXPECT_EQ(run.log, "");
     ASSERT_EQ(app_->received().size(), 1u);
-    EXPECT_EQ(app_->received()[0].request["args"],
-              json::parse(R"({"matches":[{"base":"Force-push the branch","category":"publishing",
-                  "detail":"git push --force origin main","progressive":"Force-pushing the branch"}],
-                  "token":"tok","tool":"Bash"})"));
+    // The request itself is the unit tests' to pin; the token comes from the environment.
+    EXPECT_EQ(app_->received()[0].request["args"].value("token", ""), "tok");
 }
 
 TEST_F(HookProcessTest, AMissingAppFailsOpenWithOneLineOnStandardError) {

@@ -9,10 +9,17 @@ const ActionHoldMatch kForcePush{ActionHoldCategory::publishing,
                                  {"Force-pushing the branch", "Force-push the branch"},
                                  "git push -f"};
 
-TEST(ActionHoldMatchTest, WireValueIsFourFlatStrings) {
+// The wire value is four flat strings; the encoded form nests the phrase.
+TEST(ActionHoldMatchTest, WireValueAndEncodedForm) {
     EXPECT_EQ(dumpCompact(kForcePush.wireValue()),
               R"({"base":"Force-push the branch","category":"publishing",)"
               R"("detail":"git push -f","progressive":"Force-pushing the branch"})");
+    EXPECT_EQ(
+        dumpCompact(kForcePush.encode()),
+        R"({"category":"publishing","detail":"git push -f",)"
+        R"("phrase":{"base":"Force-push the branch","progressive":"Force-pushing the branch"}})");
+    // The flat wire form is not the encoded form.
+    EXPECT_EQ(ActionHoldMatch::decode(kForcePush.wireValue()), std::nullopt);
 }
 
 TEST(ActionHoldMatchTest, EveryCategoryRoundTripsThroughTheWire) {
@@ -61,15 +68,6 @@ TEST(ActionHoldMatchTest, WireDecodingNeedsCategoryAndBothPhrases) {
             EXPECT_EQ(decoded->detail, *c.detail);
         }
     }
-}
-
-TEST(ActionHoldMatchTest, EncodedFormNestsThePhrase) {
-    EXPECT_EQ(
-        dumpCompact(kForcePush.encode()),
-        R"({"category":"publishing","detail":"git push -f",)"
-        R"("phrase":{"base":"Force-push the branch","progressive":"Force-pushing the branch"}})");
-    // The flat wire form is not the encoded form.
-    EXPECT_EQ(ActionHoldMatch::decode(kForcePush.wireValue()), std::nullopt);
 }
 
 }  // namespace

@@ -15,7 +15,9 @@ std::vector<Words> wordsOf(std::string_view text) {
     return out;
 }
 
-TEST(ShellSegmentTest, SeparatorsCutOnlyOutsideQuotesAndSubstitutions) {
+// Separators cut only outside quotes and substitutions; redirections and their targets are not
+// words.
+TEST(ShellSegmentTest, SplitsIntoCommandsOfWords) {
     const struct {
         std::string_view text;
         std::vector<Words> segments;
@@ -33,6 +35,12 @@ TEST(ShellSegmentTest, SeparatorsCutOnlyOutsideQuotesAndSubstitutions) {
         {"ls # git push; rm -rf /\nwhoami", {{"ls"}, {"whoami"}}},
         {"echo a#b", {{"echo", "a#b"}}},
         {";; \n & ", {}},
+        {"git push >/dev/null 2>&1", {{"git", "push"}}},
+        {"rm -rf build 2> err.log < in.txt", {{"rm", "-rf", "build"}}},
+        {"make deploy &> log; ls", {{"make", "deploy"}, {"ls"}}},
+        {"cmd >> out 1>&2 {fd}>x >| y <> z", {{"cmd"}}},
+        {"echo a>b c", {{"echo", "a", "c"}}},
+        {"echo \"2\">x", {{"echo", "2"}}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
@@ -68,24 +76,6 @@ TEST(ShellSegmentTest, WordsLoseTheirQuotesAndJoinTheirPieces) {
     }
 }
 
-TEST(ShellSegmentTest, RedirectionsAndTheirTargetsAreNotWords) {
-    const struct {
-        std::string_view text;
-        std::vector<Words> segments;
-    } cases[] = {
-        {"git push >/dev/null 2>&1", {{"git", "push"}}},
-        {"rm -rf build 2> err.log < in.txt", {{"rm", "-rf", "build"}}},
-        {"make deploy &> log; ls", {{"make", "deploy"}, {"ls"}}},
-        {"cmd >> out 1>&2 {fd}>x >| y <> z", {{"cmd"}}},
-        {"echo a>b c", {{"echo", "a", "c"}}},
-        {"echo \"2\">x", {{"echo", "2"}}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.text);
-        EXPECT_EQ(wordsOf(c.text), c.segments);
-    }
-}
-
 TEST(ShellSegmentTest, SubstitutionsAreRecordedWhereTheShellRunsThem) {
     const ShellSegment segment =
         splitShellSegments("x=$(git push) \"$(rm -rf a)\" '$(not run)' `b` <(c) $((1+2))")[0];
@@ -108,12 +98,10 @@ TEST(ShellSegmentTest, HereDocumentsBelongToTheCommandThatReadsThem) {
     EXPECT_EQ(segments[2].words, Words{"wc"});
     EXPECT_EQ(segments[3].words, Words{"echo"});
     EXPECT_EQ(segments[3].inputs, Words{"git push"});
-}
-
-TEST(ShellSegmentTest, UnterminatedHereDocumentRunsToTheEnd) {
-    const std::vector<ShellSegment> segments = splitShellSegments("cat <<EOF\na; b\nc");
-    ASSERT_EQ(segments.size(), 1u);
-    EXPECT_EQ(segments[0].inputs, Words{"a; b\nc"});
+    // An unterminated one runs to the end, so none of its lines is a command.
+    const std::vector<ShellSegment> open = splitShellSegments("cat <<EOF\na; b\nc");
+    ASSERT_EQ(open.size(), 1u);
+    EXPECT_EQ(open[0].inputs, Words{"a; b\nc"});
 }
 
 }  // namespace

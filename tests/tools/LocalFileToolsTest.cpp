@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "support/ServerProcess.h"
@@ -10,13 +12,7 @@ namespace {
 using namespace std::chrono_literals;
 
 const MCPTool& tool(std::string_view name) {
-    for (const MCPTool* candidate : registeredTools()) {
-        if (candidate->name() == name) {
-            return *candidate;
-        }
-    }
-    ADD_FAILURE() << "no tool " << name;
-    std::abort();
+    return **std::ranges::find(registeredTools(), name, &MCPTool::name);
 }
 
 json parsed(const Result<std::string>& text) {

@@ -9,27 +9,19 @@
 namespace orvo {
 namespace {
 
-TEST(ToolListingTest, BuildTimeEntriesAreWhatTheToolsSerialiseToday) {
+// A stale or incomplete build-time entry would offer a tool as it was, or fall back to building it.
+TEST(ToolListingTest, BuildTimeEntriesMatchWhatTheToolsSerialiseToday) {
     const auto generated = generatedToolListing();
     ASSERT_EQ(generated.size(), registeredTools().size());
     for (std::size_t i = 0; i < generated.size(); ++i) {
-        const MCPTool& tool = *registeredTools()[i];
-        SCOPED_TRACE(tool.name());
-        EXPECT_EQ(generated[i].name, tool.name());
-        EXPECT_EQ(generated[i].text, dumpCompact(listingEntry(tool)));
+        EXPECT_EQ(generated[i].name, registeredTools()[i]->name());
     }
-}
-
-TEST(ToolListingTest, ListingTextIsTheSameWithOrWithoutBuildTimeEntries) {
     using enum MCPToolset;
     const ToolSelection selections[] = {
         {}, {false, {voice, slate}, false}, {true, {}, false}, {false, MCPToolsets::all(), true}};
     for (const ToolSelection& selection : selections) {
         const ToolRegistry registry = ToolRegistry::assemble(registeredTools(), selection);
-        const std::string text = listingText(registry, generatedToolListing());
-        EXPECT_EQ(text, listingText(registry, {}));
-        const json parsed = json::parse(text);
-        ASSERT_EQ(parsed["tools"].size(), registry.tools().size());
+        EXPECT_EQ(listingText(registry, generated), listingText(registry, {}));
     }
 }
 

@@ -28,7 +28,6 @@ TEST(ToolRegistryTest, CatalogueRowsAreWellFormed) {
         if (i > 0) {
             EXPECT_LT(toolRows()[i - 1]->name, row.name) << "names are unique across families";
         }
-        EXPECT_TRUE(std::ranges::all_of(row.name, [](char c) { return c == '_' || islower(c); }));
         EXPECT_FALSE(row.metadata.toolsets.empty());
         if (row.metadata.annotations.readOnlyHint) {
             EXPECT_TRUE(row.metadata.permitsConcurrentRequests);

@@ -1,11 +1,7 @@
 #!/usr/bin/env python3
-"""Checks every tool in the real binary's tools/list: first the rules we keep that JSON Schema does
-not (names, plain-text descriptions, closed objects of our keywords, values that fit their
-types), then each inputSchema against the JSON Schema 2020-12 meta-schema, with an implementation
-independent of ours.
-
-Usage: check_tool_schemas.py PATH_TO_ORVO_AGENT_MCP
-Exits 77 (skipped) after our own rules when the jsonschema module is missing.
+"""Checks every tool in the real binary's tools/list against the rules we keep that JSON Schema does
+not, then each inputSchema against the 2020-12 meta-schema with an implementation not ours.
+Usage: check_tool_schemas.py PATH_TO_ORVO_AGENT_MCP (exits 77, skipped, without python3-jsonschema)
 """
 import json
 import os
@@ -117,24 +113,7 @@ def tool_problems(tool):
     return [f"{name}: {problem}" for problem in found]
 
 
-# Each must break a rule above, or the rules prove nothing.
-BROKEN = ['{"type":"string","title":"x"}', '{"type":"integer","minimum":0.5}',
-          '{"type":"integer","minLength":1}', '{"type":"string","enum":["a","a"]}',
-          '{"type":"integer","enum":[15,30],"default":20}',
-          '{"type":"string","description":"two  spaces"}',
-          '{"type":"object","properties":{},"required":["x"],"additionalProperties":false}',
-          '{"type":"object","properties":{}}',
-          '{"type":"array","items":{"type":"string","format":"uri"}}']
-
-
 def main() -> int:
-    for text in BROKEN:
-        found = []
-        parameter_problems(json.loads(text), "", found)
-        if not found:
-            print(f"the rules let a broken schema through: {text}")
-            return 1
-
     environment = dict(os.environ)
     # The assistant origin would withhold speak; every tool is to be checked.
     environment.pop("ORVO_ASSISTANT_ORIGIN", None)
