@@ -85,7 +85,7 @@ Result<UniqueFd> AppClient::connectToApp(std::chrono::milliseconds replyTimeout)
     }
     const unsigned ownUid = ::getuid();
     if (peerUid != ownUid) {
-        return RPCError{-32015,
+        return RPCError{rpcCode(MCPMutationErrorCode::peer_not_permitted),
                         "Refusing to talk to MCP server: peer uid " + std::to_string(peerUid) +
                             " does not match this user's uid " + std::to_string(ownUid) + ".",
                         std::nullopt};
@@ -113,7 +113,7 @@ json AppClient::withAgentContext(json args, bool cancelOnDisconnect) const {
 }
 
 Result<json> AppClient::callApp(std::string_view method, json args) const {
-    RequestCancellation* token = method.starts_with("computer_") ? currentCancellation() : nullptr;
+    RequestCancellation* token = isComputerUseTool(method) ? currentCancellation() : nullptr;
     if (token != nullptr && token->isCancelled()) {
         return serverError("Request cancelled");
     }
@@ -170,7 +170,7 @@ Result<std::string> readReply(int fd) {
             continue;
         }
         if (n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) {
-            return RPCError{-32013,
+            return RPCError{rpcCode(MCPMutationErrorCode::consent_pending_timeout),
                             "Orvo did not answer in time. The request may still be waiting for "
                             "the user; check the screen before retrying.",
                             std::nullopt};

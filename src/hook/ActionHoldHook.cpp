@@ -201,7 +201,7 @@ void runActionHoldHook(const std::optional<std::string>& agentName, bool assista
         // NOLINTNEXTLINE(concurrency-mt-unsafe): the hook runs on one thread
         const char* token = std::getenv(std::string(ActionHoldWire::kTokenEnvKey).c_str());
         const HoldWait wait{std::chrono::milliseconds(500),
-                            std::chrono::seconds(ActionHoldWire::kReplyTimeoutSeconds),
+                            std::chrono::seconds(MCPReplyTimeout::seconds(ActionHoldWire::kMethod)),
                             [agent] { return ::getppid() == agent; }};
         result = runHook(readAllInput(), app,
                          token != nullptr ? std::optional<std::string>(token) : std::nullopt, wait);

@@ -6,6 +6,7 @@
 
 #include <unistd.h>
 
+#include "protocol/AppEnvelope.h"
 #include "protocol/Diagnostics.h"
 #include "server/Instructions.h"
 #include "userfiles/VersionLookup.h"
@@ -76,7 +77,7 @@ void Server::handleLine(std::string_view line) {
     }
     if (method == "tools/call") {
         if (std::optional<std::string_view> name = stringMember(*params, "name");
-            name && name->starts_with("computer_")) {
+            name && isComputerUseTool(*name)) {
             queueComputerUseCall(*id, *name, *params);
             return;
         }

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "applink/AppClient.h"
+#include "protocol/ActionHoldWire.h"
 #include "protocol/ActivityLogFiles.h"
 #include "protocol/Diagnostics.h"
 #include "protocol/Platform.h"
@@ -47,7 +48,7 @@ StartupSettings readStartupSettings(std::span<const std::string> arguments,
     settings.assistantOrigin =
         assistantOriginValue != nullptr && std::string_view(assistantOriginValue) == "1";
     settings.audibleCue = audibleValue == nullptr || std::string_view(audibleValue) != "0";
-    settings.hookMode = hasFlag(arguments, kActionHoldHookFlag);
+    settings.hookMode = hasFlag(arguments, ActionHoldWire::kHookFlag);
     if (std::optional<std::string> toolsets = valueAfter(arguments, "--toolsets")) {
         settings.selection.enabled = parseToolsets(*toolsets);
     }
