@@ -1,11 +1,11 @@
 // The MCP server: answers JSON-RPC lines from the agent and writes one response line per request.
 #include "server/Server.h"
 
-#include <cerrno>
 #include <exception>
 
 #include <unistd.h>
 
+#include "applink/DescriptorIO.h"
 #include "protocol/AppEnvelope.h"
 #include "protocol/Diagnostics.h"
 #include "server/Instructions.h"
@@ -242,18 +242,8 @@ void Server::writeResponse(const json& response) {
 
 void Server::writeLine(std::string bytes) {
     std::lock_guard<std::mutex> lock(outputLock_);
-    std::size_t written = 0;
-    while (written < bytes.size()) {
-        const ssize_t n =
-            ::write(options_.outputFd, bytes.data() + written, bytes.size() - written);
-        if (n < 0 && errno == EINTR) {
-            continue;
-        }
-        if (n <= 0) {
-            return;  // the agent has stopped reading; nothing else can be done with the line
-        }
-        written += static_cast<std::size_t>(n);
-    }
+    // An agent that stopped reading has gone; nothing else can be done with the line.
+    (void)writeAll(options_.outputFd, bytes);
 }
 
 }  // namespace orvo
