@@ -80,7 +80,10 @@ int runServer(const StartupSettings& settings, std::span<const PrecomputedListin
     LineReader reader(STDIN_FILENO);
     while (std::optional<std::string_view> line = reader.next()) {
         if (!line->empty()) {
-            server.handleLine(*line);
+            server.handleLine(*line, /*moreInputReady=*/true);
+        }
+        if (!reader.hasBufferedLine()) {
+            server.flushOutput();  // before reading blocks
         }
     }
     server.finishInput();
