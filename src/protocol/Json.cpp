@@ -140,7 +140,7 @@ std::optional<T> decodeAs(const json& value) {
         if (value.is_number_float()) {
             // JSON writers may print a whole number as 60.0. -min is max + 1, exact as a double.
             const double n = value.get<double>();
-            const double low = static_cast<double>(Limits::min());
+            const auto low = static_cast<double>(Limits::min());
             if (std::trunc(n) == n && n >= low && n < -low) {
                 return static_cast<T>(n);
             }
