@@ -85,7 +85,7 @@ Result<UniqueFd> AppClient::connectToApp(std::chrono::milliseconds replyTimeout)
     }
     const unsigned ownUid = ::getuid();
     if (peerUid != ownUid) {
-        return RPCError{-32015,
+        return RPCError{rpcCode(MCPMutationErrorCode::peer_not_permitted),
                         "Refusing to talk to MCP server: peer uid " + std::to_string(peerUid) +
                             " does not match this user's uid " + std::to_string(ownUid) + ".",
                         std::nullopt};
@@ -113,7 +113,7 @@ json AppClient::withAgentContext(json args, bool cancelOnDisconnect) const {
 }
 
 Result<json> AppClient::callApp(std::string_view method, json args) const {
-    RequestCancellation* token = method.starts_with("computer_") ? currentCancellation() : nullptr;
+    RequestCancellation* token = isComputerUseTool(method) ? currentCancellation() : nullptr;
     if (token != nullptr && token->isCancelled()) {
         return serverError("Request cancelled");
     }
@@ -127,7 +127,7 @@ Result<json> AppClient::callApp(std::string_view method, json args) const {
     if (!request) {
         return request.error();
     }
-    if (Status written = writeAll(fd, *request); !written) {
+    if (Status written = writeAll(fd, *request, IOClock::now() + kSendTimeout); !written) {
         return std::move(written).error();
     }
     if (token == nullptr) {
@@ -136,7 +136,7 @@ Result<json> AppClient::callApp(std::string_view method, json args) const {
         // The sending side stays open so that a later cancel can half-close it.
         token->recordSocket(fd);
     }
-    Result<std::string> reply = readReply(fd);
+    Result<std::string> reply = readReply(fd, IOClock::now() + replyTimeout(method));
     if (token != nullptr) {
         token->clearSocket();
     }
@@ -146,48 +146,34 @@ Result<json> AppClient::callApp(std::string_view method, json args) const {
     return mutationOutcome(decodeMCPMutationResponse(*reply));
 }
 
-Status writeAll(int fd, std::string_view bytes) {
-    std::size_t written = 0;
-    while (written < bytes.size()) {
-        const long n = sendWithoutSigpipe(fd, bytes.data() + written, bytes.size() - written);
-        if (n < 0 && errno == EINTR) {
-            continue;
-        }
-        if (n == 0) {
+Status AppClient::writeAll(int fd, std::string_view bytes, IOClock::time_point deadline) {
+    const IOResult sent = sendAll(fd, bytes, deadline);
+    switch (sent.status) {
+        case IOStatus::done:
+            return ok();
+        case IOStatus::closed:
             return serverError("write() returned 0 (peer closed?)");
-        }
-        if (n < 0) {
-            return serverError("write() failed: " + errnoDescription(errno));
-        }
-        written += static_cast<std::size_t>(n);
+        default:
+            // Running out of time reads as the send time-out's own EAGAIN.
+            return serverError("write() failed: " + errnoDescription(sent.error));
     }
-    return ok();
 }
 
-Result<std::string> readReply(int fd) {
+Result<std::string> AppClient::readReply(int fd, IOClock::time_point deadline) {
     std::string reply;
-    char chunk[4096];
-    for (;;) {
-        const ssize_t n = ::read(fd, chunk, sizeof chunk);
-        if (n < 0 && errno == EINTR) {
-            continue;
-        }
-        if (n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) {
-            return RPCError{-32013,
+    const IOResult read = readUpTo(fd, reply, kMaxReplyBytes, deadline);
+    switch (read.status) {
+        case IOStatus::done:
+            return reply;
+        case IOStatus::timedOut:
+            return RPCError{rpcCode(MCPMutationErrorCode::consent_pending_timeout),
                             "Orvo did not answer in time. The request may still be waiting for "
                             "the user; check the screen before retrying.",
                             std::nullopt};
-        }
-        if (n < 0) {
-            return serverError("read() failed: " + errnoDescription(errno));
-        }
-        if (n == 0) {
-            return reply;
-        }
-        reply.append(chunk, static_cast<std::size_t>(n));
-        if (reply.size() > kMaxReplyBytes) {
+        case IOStatus::tooLarge:
             return serverError("response too large (>1 MiB)");
-        }
+        default:
+            return serverError("read() failed: " + errnoDescription(read.error));
     }
 }
 

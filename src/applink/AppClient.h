@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "applink/DescriptorIO.h"
 #include "applink/UniqueFd.h"
 #include "protocol/Json.h"
 #include "protocol/Result.h"
@@ -37,13 +38,13 @@ public:
     // `args` with the reserved members set from this process, never from the caller.
     json withAgentContext(json args, bool cancelOnDisconnect) const;
     std::chrono::milliseconds replyTimeout(std::string_view method) const;
+    // The whole request must leave by `deadline`, and the whole reply arrive by it.
+    static Status writeAll(int fd, std::string_view bytes, IOClock::time_point deadline);
+    static Result<std::string> readReply(int fd, IOClock::time_point deadline);
 
 private:
     AppClientOptions options_;
 };
-
-Status writeAll(int fd, std::string_view bytes);
-Result<std::string> readReply(int fd);
 
 // The system's message for `error` followed by " (errno N)".
 std::string errnoDescription(int error);

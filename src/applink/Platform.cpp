@@ -26,11 +26,13 @@ int suppressSigpipe(int fd) {
 #endif
 }
 
-long sendWithoutSigpipe(int fd, const char* bytes, std::size_t size) {
+long sendWithoutSigpipe(int fd, const char* bytes, std::size_t size, bool dontWait) {
+    const int wait = dontWait ? MSG_DONTWAIT : 0;
 #if defined(__APPLE__)
-    return ::write(fd, bytes, size);
+    // SO_NOSIGPIPE, set when the socket was made, covers send as well.
+    return ::send(fd, bytes, size, wait);
 #elif defined(__linux__)
-    return ::send(fd, bytes, size, MSG_NOSIGNAL);
+    return ::send(fd, bytes, size, wait | MSG_NOSIGNAL);
 #endif
 }
 

@@ -1,14 +1,13 @@
 // The agent's pre-tool-use hook: asks the owner, through the app, before a held action runs.
 #include "hook/ActionHoldHook.h"
 
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 
-#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "applink/DescriptorIO.h"
 #include "protocol/ActionHoldClassifier.h"
 #include "protocol/ActionHoldWire.h"
 #include "protocol/AppEnvelope.h"
@@ -28,43 +27,26 @@ HoldOutcome failedClosed(std::string text) {
 
 // Reads the reply to the app's close, waking every step to check the deadline and the agent.
 HoldOutcome readOwnerReply(int fd, const HoldWait& wait) {
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point deadline = Clock::now() + wait.limit;
+    const IOClock::time_point deadline = IOClock::now() + wait.limit;
     std::string reply;
-    char chunk[4096];
     for (;;) {
-        const auto left =
-            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
-        if (left.count() <= 0) {
-            return failedClosed("no reply in time");
-        }
-        pollfd poller{fd, POLLIN, 0};
-        const int ready = ::poll(&poller, 1, static_cast<int>(std::min(left, wait.step).count()));
-        if (ready < 0 && errno == EINTR) {
-            continue;
-        }
-        if (ready < 0) {
-            return failedClosed("poll() failed: errno " + std::to_string(errno));
-        }
-        if (ready == 0) {
-            if (wait.agentStillThere && !wait.agentStillThere()) {
-                return {HoldOutcomeKind::agentGone, {}};
-            }
-            continue;
-        }
-        const ssize_t n = ::read(fd, chunk, sizeof chunk);
-        if (n < 0 && (errno == EINTR || errno == EAGAIN)) {
-            continue;
-        }
-        if (n < 0) {
-            return failedClosed("read() failed: errno " + std::to_string(errno));
-        }
-        if (n == 0) {
+        const IOResult read =
+            readUpTo(fd, reply, kMaxReplyBytes, std::min(deadline, IOClock::now() + wait.step));
+        if (read.status == IOStatus::done) {
             break;
         }
-        reply.append(chunk, static_cast<std::size_t>(n));
-        if (reply.size() > kMaxReplyBytes) {
+        if (read.status == IOStatus::tooLarge) {
             return failedClosed("reply too large");
+        }
+        if (read.status == IOStatus::failed) {
+            return failedClosed(std::string(read.call) + "() failed: errno " +
+                                std::to_string(read.error));
+        }
+        if (IOClock::now() >= deadline) {
+            return failedClosed("no reply in time");
+        }
+        if (wait.agentStillThere && !wait.agentStillThere()) {
+            return {HoldOutcomeKind::agentGone, {}};
         }
     }
     if (reply.empty()) {
@@ -103,17 +85,10 @@ std::string denyLine(std::string_view reason) {
 // call is never let through for being big.
 std::string readAllInput() {
     std::string input;
-    char chunk[65536];
-    for (;;) {
-        const ssize_t n = ::read(STDIN_FILENO, chunk, sizeof chunk);
-        if (n < 0 && errno == EINTR) {
-            continue;
-        }
-        if (n <= 0) {
-            return input;
-        }
-        input.append(chunk, static_cast<std::size_t>(n));
+    if (readUpTo(STDIN_FILENO, input, input.max_size()).status != IOStatus::done) {
+        return {};  // unreadable: not a hook input at all
     }
+    return input;
 }
 
 }  // namespace
@@ -128,7 +103,9 @@ HoldOutcome askOwner(const AppClient& app, const json& args, const HoldWait& wai
     if (!request) {
         return {HoldOutcomeKind::failedOpen, request.error().message};
     }
-    if (Status written = writeAll(socket->get(), *request); !written) {
+    if (Status written =
+            AppClient::writeAll(socket->get(), *request, IOClock::now() + kSendTimeout);
+        !written) {
         return {HoldOutcomeKind::failedOpen, written.error().message};
     }
     // The request is whole: from here on a failure refuses the call rather than letting it run.
@@ -201,7 +178,7 @@ void runActionHoldHook(const std::optional<std::string>& agentName, bool assista
         // NOLINTNEXTLINE(concurrency-mt-unsafe): the hook runs on one thread
         const char* token = std::getenv(std::string(ActionHoldWire::kTokenEnvKey).c_str());
         const HoldWait wait{std::chrono::milliseconds(500),
-                            std::chrono::seconds(ActionHoldWire::kReplyTimeoutSeconds),
+                            std::chrono::seconds(MCPReplyTimeout::seconds(ActionHoldWire::kMethod)),
                             [agent] { return ::getppid() == agent; }};
         result = runHook(readAllInput(), app,
                          token != nullptr ? std::optional<std::string>(token) : std::nullopt, wait);
@@ -212,18 +189,7 @@ void runActionHoldHook(const std::optional<std::string>& agentName, bool assista
     for (const std::string& line : result.logLines) {
         logLine(kHookLogPrefix, line);
     }
-    std::size_t written = 0;
-    while (written < result.output.size()) {
-        const ssize_t n =
-            ::write(STDOUT_FILENO, result.output.data() + written, result.output.size() - written);
-        if (n < 0 && errno == EINTR) {
-            continue;
-        }
-        if (n <= 0) {
-            break;
-        }
-        written += static_cast<std::size_t>(n);
-    }
+    (void)writeAll(STDOUT_FILENO, result.output);  // an agent that stopped reading has gone
     std::exit(0);  // NOLINT(concurrency-mt-unsafe): no other thread was started
 }
 

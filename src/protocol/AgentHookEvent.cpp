@@ -2,8 +2,6 @@
 // in, are reported to the app. This program defines it for the app's side and never sends it.
 #include "protocol/AgentHookEvent.h"
 
-#include <limits>
-
 #include <nlohmann/json.hpp>
 
 #include "protocol/Json.h"
@@ -54,102 +52,48 @@ OrderedJson encodeHost(const AgentHookHostContext& host) {
     return object;
 }
 
-// Reading fails as a whole on the first field that is missing or of the wrong type.
+// Reading fails as a whole on the first field that is missing or of the wrong type; null reads
+// as missing.
 class Reader {
 public:
     bool ok = true;
 
-    std::string string(const json& object, std::string_view key) {
-        std::optional<std::string_view> value = stringMember(object, key);
+    template <class T>
+    std::optional<T> optional(const json& object, std::string_view key) {
+        Result<std::optional<T>> value = read<T>(object, key, key);
         ok = ok && value.has_value();
-        return std::string(value.value_or(""));
+        return value ? std::move(*value) : std::nullopt;
     }
 
-    std::optional<std::string> optionalString(const json& object, std::string_view key) {
-        const json* value = present(object, key);
-        if (value == nullptr) {
-            return std::nullopt;
-        }
-        ok = ok && value->is_string();
-        return value->is_string() ? std::optional(value->get<std::string>()) : std::nullopt;
-    }
-
-    std::optional<double> optionalNumber(const json& object, std::string_view key) {
-        const json* value = present(object, key);
-        if (value == nullptr) {
-            return std::nullopt;
-        }
-        ok = ok && value->is_number();
-        return value->is_number() ? std::optional(value->get<double>()) : std::nullopt;
-    }
-
-    double number(const json& object, std::string_view key) {
-        std::optional<double> value = optionalNumber(object, key);
+    template <class T>
+    T required(const json& object, std::string_view key) {
+        std::optional<T> value = optional<T>(object, key);
         ok = ok && value.has_value();
-        return value.value_or(0);
-    }
-
-    template <class Integer>
-    std::optional<Integer> optionalInteger(const json& object, std::string_view key) {
-        const json* value = present(object, key);
-        if (value == nullptr) {
-            return std::nullopt;
-        }
-        std::optional<Integer> result;
-        if (value->is_number_unsigned()) {
-            const auto n = value->get<std::uint64_t>();
-            if (n <= static_cast<std::uint64_t>(std::numeric_limits<Integer>::max())) {
-                result = static_cast<Integer>(n);
-            }
-        } else if (value->is_number_integer()) {
-            const auto n = value->get<std::int64_t>();
-            if (n >= std::numeric_limits<Integer>::min() &&
-                n <= std::numeric_limits<Integer>::max()) {
-                result = static_cast<Integer>(n);
-            }
-        }
-        ok = ok && result.has_value();
-        return result;
-    }
-
-    template <class Integer>
-    Integer integer(const json& object, std::string_view key) {
-        std::optional<Integer> value = optionalInteger<Integer>(object, key);
-        ok = ok && value.has_value();
-        return value.value_or(0);
+        return value ? std::move(*value) : T{};
     }
 
     const json& object(const json& parent, std::string_view key) {
         static const json kEmpty = json::object();
-        const json* value = objectMember(parent, key);
-        ok = ok && value != nullptr;
+        const json* value = required<JsonObject>(parent, key).value;
         return value != nullptr ? *value : kEmpty;
-    }
-
-private:
-    // A member that is there and not null.
-    static const json* present(const json& object, std::string_view key) {
-        const json* value = member(object, key);
-        return value != nullptr && !value->is_null() ? value : nullptr;
     }
 };
 
 AgentHookProcess decodeProcess(Reader& reader, const json& object) {
     AgentHookProcess process;
     reader.ok = reader.ok && object.is_object();
-    process.pid = reader.integer<std::int32_t>(object, "pid");
-    process.parentPID = reader.integer<std::int32_t>(object, "parentPID");
-    process.executablePath = reader.optionalString(object, "executablePath");
-    process.tty = reader.optionalString(object, "tty");
-    process.startTime = reader.optionalNumber(object, "startTime");
+    process.pid = reader.required<std::int32_t>(object, "pid");
+    process.parentPID = reader.required<std::int32_t>(object, "parentPID");
+    process.executablePath = reader.optional<std::string>(object, "executablePath");
+    process.tty = reader.optional<std::string>(object, "tty");
+    process.startTime = reader.optional<double>(object, "startTime");
     return process;
 }
 
 AgentHookHostContext decodeHost(Reader& reader, const json& object) {
     AgentHookHostContext host;
-    host.tty = reader.optionalString(object, "tty");
-    const json* ancestors = member(object, "ancestors");
-    reader.ok = reader.ok && ancestors != nullptr && ancestors->is_array();
+    host.tty = reader.optional<std::string>(object, "tty");
+    const json* ancestors = reader.required<JsonArray>(object, "ancestors").value;
     if (reader.ok) {
         for (const json& process : *ancestors) {
             host.ancestors.push_back(decodeProcess(reader, process));
@@ -161,9 +105,9 @@ AgentHookHostContext decodeHost(Reader& reader, const json& object) {
             host.environment.emplace(key, value.get<std::string>());
         }
     }
-    host.terminalProgram = reader.optionalString(object, "terminalProgram");
-    host.appPID = reader.optionalInteger<std::int32_t>(object, "appPID");
-    host.appBundleID = reader.optionalString(object, "appBundleID");
+    host.terminalProgram = reader.optional<std::string>(object, "terminalProgram");
+    host.appPID = reader.optional<std::int32_t>(object, "appPID");
+    host.appBundleID = reader.optional<std::string>(object, "appBundleID");
     return host;
 }
 
@@ -249,7 +193,7 @@ std::optional<AgentHookEvent> AgentHookEvent::decode(std::string_view text) {
     const json& object = parsed.value;
     Reader reader;
     AgentHookEvent event;
-    event.schemaVersion = reader.integer<std::int64_t>(object, "schemaVersion");
+    event.schemaVersion = reader.required<std::int64_t>(object, "schemaVersion");
     std::optional<AgentHookProvider> provider =
         parseAgentHookProvider(stringMember(object, "provider").value_or(""));
     std::optional<AgentHookKind> kind =
@@ -257,18 +201,16 @@ std::optional<AgentHookEvent> AgentHookEvent::decode(std::string_view text) {
     reader.ok = reader.ok && provider && kind;
     event.provider = provider.value_or(AgentHookProvider::claude);
     event.kind = kind.value_or(AgentHookKind::sessionStart);
-    event.sessionID = reader.string(object, "sessionID");
-    event.turnID = reader.optionalString(object, "turnID");
-    event.eventID = reader.string(object, "eventID");
-    event.cwd = reader.optionalString(object, "cwd");
+    event.sessionID = reader.required<std::string>(object, "sessionID");
+    event.turnID = reader.optional<std::string>(object, "turnID");
+    event.eventID = reader.required<std::string>(object, "eventID");
+    event.cwd = reader.optional<std::string>(object, "cwd");
     event.host = decodeHost(reader, reader.object(object, "host"));
-    event.timestamp = reader.number(object, "timestamp");
-    event.finalMessage = reader.optionalString(object, "finalMessage");
-    event.permissionDescription = reader.optionalString(object, "permissionDescription");
-    event.failure = reader.optionalString(object, "failure");
-    const std::optional<bool> truncated = boolMember(object, "finalMessageTruncated");
-    reader.ok = reader.ok && truncated.has_value();
-    event.finalMessageTruncated = truncated.value_or(false);
+    event.timestamp = reader.required<double>(object, "timestamp");
+    event.finalMessage = reader.optional<std::string>(object, "finalMessage");
+    event.permissionDescription = reader.optional<std::string>(object, "permissionDescription");
+    event.failure = reader.optional<std::string>(object, "failure");
+    event.finalMessageTruncated = reader.required<bool>(object, "finalMessageTruncated");
     if (!reader.ok) {
         return std::nullopt;
     }

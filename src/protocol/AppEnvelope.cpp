@@ -1,6 +1,8 @@
 // The request and reply that the server and the app exchange over the socket, both sides' halves.
 #include "protocol/AppEnvelope.h"
 
+#include "protocol/ActionHoldWire.h"
+
 namespace orvo {
 namespace {
 
@@ -93,10 +95,10 @@ Result<std::string> encodeMCPMutationError(MCPMutationErrorCode code, std::strin
 }
 
 int MCPReplyTimeout::seconds(std::string_view method) {
-    if (method == "action_hold") {
-        return 110;
+    if (method == ActionHoldWire::kMethod) {
+        return ActionHoldWire::kReplyTimeoutSeconds;
     }
-    if (method.starts_with("computer_")) {
+    if (isComputerUseTool(method)) {
         return 180;
     }
     return 30;

@@ -32,16 +32,16 @@ struct MCPMutationErrorCodeInfo {
 };
 
 inline constexpr std::array<MCPMutationErrorCodeInfo, 10> kMCPMutationErrorCodes = {{
-    {"validation_failed", -32602},
+    {"validation_failed", RPCCode::kInvalidParams},
     {"slot_budget_full", -32011},
     {"consent_pending_timeout", -32013},
     {"consent_denied", -32012},
     {"refused", -32016},
     {"target_changed", -32017},
-    {"app_not_running", -32001},
+    {"app_not_running", RPCCode::kAppNotRunning},
     {"too_many_requests", -32014},
     {"peer_not_permitted", -32015},
-    {"internal_error", -32603},
+    {"internal_error", RPCCode::kInternalError},
 }};
 static_assert(kMCPMutationErrorCodes.size() ==
               static_cast<std::size_t>(MCPMutationErrorCode::internal_error) + 1);
@@ -81,6 +81,12 @@ Result<json> mutationOutcome(MCPMutationDecodeResult decoded);
 Result<std::string> encodeMCPMutationSuccess(const json& result);
 Result<std::string> encodeMCPMutationError(MCPMutationErrorCode code, std::string_view message,
                                            const std::optional<json>& data = std::nullopt);
+
+// Computer-use tools run long, may be cancelled, and are the only calls that are.
+inline constexpr std::string_view kComputerUsePrefix = "computer_";
+constexpr bool isComputerUseTool(std::string_view name) {
+    return name.starts_with(kComputerUsePrefix);
+}
 
 namespace MCPReplyTimeout {
 // How long the whole reply may take, in seconds.

@@ -14,29 +14,29 @@ void encodeOptional(json& object, std::string_view key, const std::optional<std:
     }
 }
 
-Result<std::string> requiredString(const json& object, std::string_view key) {
-    const json* value = member(object, key);
-    if (value == nullptr) {
-        return decodingError("key not found: " + std::string(key));
-    }
-    if (!value->is_string()) {
-        return decodingError("type mismatch for key " + std::string(key) +
-                             ": expected string, found " + value->type_name());
-    }
-    return value->get<std::string>();
+RPCError typeMismatch(const json& object, std::string_view key) {
+    return decodingError("type mismatch for key " + std::string(key) + ": expected string, found " +
+                         member(object, key)->type_name());
 }
 
-// Fails only for a value that is neither null nor a string.
+// A required key that is null is of the wrong type, not missing.
+Result<std::string> requiredString(const json& object, std::string_view key) {
+    if (member(object, key) == nullptr) {
+        return decodingError("key not found: " + std::string(key));
+    }
+    Result<std::optional<std::string>> value = read<std::string>(object, key, key);
+    if (!value || !*value) {
+        return typeMismatch(object, key);
+    }
+    return std::move(**value);
+}
+
 Status optionalString(const json& object, std::string_view key, std::optional<std::string>& out) {
-    const json* value = member(object, key);
-    if (value == nullptr || value->is_null()) {
-        return ok();
+    Result<std::optional<std::string>> value = read<std::string>(object, key, key);
+    if (!value) {
+        return typeMismatch(object, key);
     }
-    if (!value->is_string()) {
-        return decodingError("type mismatch for key " + std::string(key) +
-                             ": expected string, found " + value->type_name());
-    }
-    out = value->get<std::string>();
+    out = std::move(*value);
     return ok();
 }
 

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -210,6 +212,61 @@ private:
     std::vector<std::string> roundedMembers_;
 };
 
+template <class T>
+std::optional<T> decodeAs(const json& value) {
+    if constexpr (std::is_same_v<T, std::string> || std::is_same_v<T, std::string_view>) {
+        return value.is_string() ? std::optional<T>(value.get_ref<const std::string&>())
+                                 : std::nullopt;
+    } else if constexpr (std::is_same_v<T, bool>) {
+        return value.is_boolean() ? std::optional(value.get<bool>()) : std::nullopt;
+    } else if constexpr (std::is_same_v<T, double>) {
+        return value.is_number() ? std::optional(value.get<double>()) : std::nullopt;
+    } else if constexpr (std::is_same_v<T, JsonObject>) {
+        return value.is_object() ? std::optional(JsonObject{&value}) : std::nullopt;
+    } else if constexpr (std::is_same_v<T, JsonArray>) {
+        return value.is_array() ? std::optional(JsonArray{&value}) : std::nullopt;
+    } else {
+        static_assert(std::is_integral_v<T> && std::is_signed_v<T>);
+        using Limits = std::numeric_limits<T>;
+        if (value.is_number_unsigned()) {
+            const auto n = value.get<std::uint64_t>();
+            return n <= static_cast<std::uint64_t>(Limits::max()) ? std::optional(static_cast<T>(n))
+                                                                  : std::nullopt;
+        }
+        if (value.is_number_integer()) {
+            const auto n = value.get<std::int64_t>();
+            return n >= Limits::min() && n <= Limits::max() ? std::optional(static_cast<T>(n))
+                                                            : std::nullopt;
+        }
+        if (value.is_number_float()) {
+            // JSON writers may print a whole number as 60.0. -min is max + 1, exact as a double.
+            const double n = value.get<double>();
+            const auto low = static_cast<double>(Limits::min());
+            if (std::trunc(n) == n && n >= low && n < -low) {
+                return static_cast<T>(n);
+            }
+        }
+        return std::nullopt;
+    }
+}
+
+template <class T>
+constexpr std::string_view typeName() {
+    if constexpr (std::is_same_v<T, std::string> || std::is_same_v<T, std::string_view>) {
+        return "string";
+    } else if constexpr (std::is_same_v<T, bool>) {
+        return "boolean";
+    } else if constexpr (std::is_same_v<T, double>) {
+        return "number";
+    } else if constexpr (std::is_same_v<T, JsonObject>) {
+        return "object";
+    } else if constexpr (std::is_same_v<T, JsonArray>) {
+        return "array";
+    } else {
+        return "integer";
+    }
+}
+
 // Indentation below this many bytes is never weighed against the text.
 constexpr std::size_t kFreeIndentationBytes = 65536;
 // Past the free allowance, indentation may make the text at most this many times larger.
@@ -336,25 +393,49 @@ const json* member(const json& object, std::string_view key) {
     return it == object.end() ? nullptr : &*it;
 }
 
-std::optional<std::string_view> stringMember(const json& object, std::string_view key) {
+template <class T>
+Result<std::optional<T>> read(const json& object, std::string_view key, std::string_view path) {
     const json* value = member(object, key);
-    if (value == nullptr || !value->is_string()) {
-        return std::nullopt;
+    if (value == nullptr || value->is_null()) {
+        return std::optional<T>();
     }
-    return std::string_view(value->get_ref<const std::string&>());
+    std::optional<T> decoded = decodeAs<T>(*value);
+    if (!decoded) {
+        return RPCError{RPCCode::kInvalidParams,
+                        std::string(path) + ": expected " + std::string(typeName<T>()),
+                        std::nullopt};
+    }
+    return decoded;
+}
+
+template Result<std::optional<std::string>> read<std::string>(const json&, std::string_view,
+                                                              std::string_view);
+template Result<std::optional<std::string_view>> read<std::string_view>(const json&,
+                                                                        std::string_view,
+                                                                        std::string_view);
+template Result<std::optional<bool>> read<bool>(const json&, std::string_view, std::string_view);
+template Result<std::optional<double>> read<double>(const json&, std::string_view,
+                                                    std::string_view);
+template Result<std::optional<std::int32_t>> read<std::int32_t>(const json&, std::string_view,
+                                                                std::string_view);
+template Result<std::optional<std::int64_t>> read<std::int64_t>(const json&, std::string_view,
+                                                                std::string_view);
+template Result<std::optional<JsonObject>> read<JsonObject>(const json&, std::string_view,
+                                                            std::string_view);
+template Result<std::optional<JsonArray>> read<JsonArray>(const json&, std::string_view,
+                                                          std::string_view);
+
+std::optional<std::string_view> stringMember(const json& object, std::string_view key) {
+    return readTolerantly<std::string_view>(object, key);
 }
 
 std::optional<bool> boolMember(const json& object, std::string_view key) {
-    const json* value = member(object, key);
-    if (value == nullptr || !value->is_boolean()) {
-        return std::nullopt;
-    }
-    return value->get<bool>();
+    return readTolerantly<bool>(object, key);
 }
 
 const json* objectMember(const json& object, std::string_view key) {
-    const json* value = member(object, key);
-    return value != nullptr && value->is_object() ? value : nullptr;
+    std::optional<JsonObject> value = readTolerantly<JsonObject>(object, key);
+    return value ? value->value : nullptr;
 }
 
 bool isValidUTF8(std::string_view bytes) {

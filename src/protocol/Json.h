@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,9 +10,12 @@
 
 #include <nlohmann/json.hpp>
 
+#include "protocol/Result.h"
+
 namespace orvo {
 
-// Keys are kept sorted (std::map), which is the order every writer here needs.
+// Keys are kept sorted (std::map), which is the order every writer here needs. RPCError.h names
+// the same type directly, since this header needs Result.
 using json = nlohmann::json;  // NOLINT(readability-identifier-naming): the library's own name
 
 enum class JsonParseStatus { ok, invalid, tooDeep };
@@ -54,8 +58,51 @@ std::string dumpReadable(const json& value);
 bool isRepresentable(const json& value);
 bool isRepresentable(const nlohmann::ordered_json& value);
 
-// Member access for input JSON: never throws, absent when the member is missing or of another type.
+// A member read as an object or an array; it points into the object it was read from.
+struct JsonObject {
+    const json* value = nullptr;
+};
+struct JsonArray {
+    const json* value = nullptr;
+};
+
+// Reads one member of input JSON as a T: std::string, std::string_view (pointing into `object`),
+// bool, double, std::int32_t, std::int64_t, JsonObject or JsonArray. A missing or null member
+// reads as nothing. A member of another type fails with -32602 "<path>: expected <type>". An
+// integer is any whole number T can hold, so 3.0 counts while 3.5, "3" and 2^31 for int32 do not.
+template <class T>
+Result<std::optional<T>> read(const json& object, std::string_view key, std::string_view path);
+
+extern template Result<std::optional<std::string>> read<std::string>(const json&, std::string_view,
+                                                                     std::string_view);
+extern template Result<std::optional<std::string_view>> read<std::string_view>(const json&,
+                                                                               std::string_view,
+                                                                               std::string_view);
+extern template Result<std::optional<bool>> read<bool>(const json&, std::string_view,
+                                                       std::string_view);
+extern template Result<std::optional<double>> read<double>(const json&, std::string_view,
+                                                           std::string_view);
+extern template Result<std::optional<std::int32_t>> read<std::int32_t>(const json&,
+                                                                       std::string_view,
+                                                                       std::string_view);
+extern template Result<std::optional<std::int64_t>> read<std::int64_t>(const json&,
+                                                                       std::string_view,
+                                                                       std::string_view);
+extern template Result<std::optional<JsonObject>> read<JsonObject>(const json&, std::string_view,
+                                                                   std::string_view);
+extern template Result<std::optional<JsonArray>> read<JsonArray>(const json&, std::string_view,
+                                                                 std::string_view);
+
+// Tolerant reading, where a value of another type counts as missing too.
+template <class T>
+std::optional<T> readTolerantly(const json& object, std::string_view key) {
+    Result<std::optional<T>> value = read<T>(object, key, key);
+    return value ? *value : std::nullopt;
+}
+
+// The member itself, null included; nothing when it is missing or `object` is not an object.
 const json* member(const json& object, std::string_view key);
+// Shorthands for readTolerantly, for envelopes and requests whose fields are optional.
 std::optional<std::string_view> stringMember(const json& object, std::string_view key);
 std::optional<bool> boolMember(const json& object, std::string_view key);
 const json* objectMember(const json& object, std::string_view key);

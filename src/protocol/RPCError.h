@@ -4,14 +4,14 @@
 #include <optional>
 #include <string>
 
-#include "protocol/Json.h"
+#include <nlohmann/json.hpp>
 
 namespace orvo {
 
 struct RPCError {
     int code = 0;
     std::string message;
-    std::optional<json> data;
+    std::optional<nlohmann::json> data;
 
     bool operator==(const RPCError&) const = default;
 };

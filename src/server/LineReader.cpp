@@ -42,6 +42,10 @@ bool LineReader::fill() {
     }
 }
 
+bool LineReader::hasBufferedLine() const {
+    return std::memchr(block_.data() + begin_, '\n', end_ - begin_) != nullptr;
+}
+
 std::optional<std::string_view> LineReader::next() {
     partial_.clear();  // the line handed out last time
     for (;;) {

@@ -18,6 +18,8 @@ public:
     // The next line without its line feed; empty for a line to skip (oversize, not UTF-8);
     // absent at end of input or on a read error. The view lives until the next call.
     std::optional<std::string_view> next();
+    // Whether the next call can return a whole line without reading.
+    bool hasBufferedLine() const;
 
 private:
     bool fill();

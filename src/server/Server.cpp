@@ -2,17 +2,21 @@
 #include "server/Server.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <exception>
 
 #include <unistd.h>
 
+#include "applink/DescriptorIO.h"
+#include "protocol/AppEnvelope.h"
 #include "protocol/Diagnostics.h"
 #include "server/Instructions.h"
 #include "userfiles/VersionLookup.h"
 
 namespace orvo {
 namespace {
+
+// Answers held for a burst are written once they reach this size, whatever follows.
+constexpr std::size_t kMaxPendingOutputBytes = std::size_t{64} * 1024;
 
 RPCError rpcError(int code, std::string message) {
     return RPCError{code, std::move(message), std::nullopt};
@@ -39,7 +43,14 @@ Result<json> catchingInternalErrors(Run&& run) {
 Server::Server(const ToolRegistry& registry, ServerOptions options)
     : registry_(registry), options_(std::move(options)), voiceOffer_(registry.offers("speak")) {}
 
-void Server::handleLine(std::string_view line) {
+void Server::handleLine(std::string_view line, bool moreInputReady) {
+    dispatchLine(line);
+    if (!moreInputReady) {
+        flushOutput();
+    }
+}
+
+void Server::dispatchLine(std::string_view line) {
     BoundedParse parsed = parseJsonBounded(line, kMaxRequestDepth);
     if (parsed.status == JsonParseStatus::invalid || parsed.topLevel != json::value_t::object) {
         answer(nullptr, rpcError(RPCCode::kParseError, "Parse error"));
@@ -74,7 +85,7 @@ void Server::handleLine(std::string_view line) {
     }
     if (method == "tools/call") {
         if (std::optional<std::string_view> name = stringMember(*params, "name");
-            name && name->starts_with("computer_")) {
+            name && isComputerUseTool(*name)) {
             queueComputerUseCall(*id, *name, *params);
             return;
         }
@@ -89,6 +100,9 @@ void Server::handleRequest(const json& id, std::string_view method, const json& 
         }
         answerWithText(id, *listingText_);
         return;
+    }
+    if (method == "tools/call") {
+        flushOutput();  // a tool may wait long for the app; earlier answers must not wait with it
     }
     answer(id, catchingInternalErrors([&] { return runMethod(method, params); }));
 }
@@ -131,10 +145,12 @@ void Server::processQueued(const json& id, const json& params, RequestCancellati
     // A cancelled call is never answered, whatever became of it.
     if (!token.isCancelled()) {
         answer(id, std::move(outcome));
+        flushOutput();
     }
 }
 
 void Server::finishInput() {
+    flushOutput();
     requests_.cancelAll();
     workers_.wait();
 }
@@ -199,18 +215,17 @@ Result<json> Server::callTool(const json& params) {
 }
 
 void Server::answer(const json& id, Result<json> outcome) {
-    json response = {{"jsonrpc", "2.0"}, {"id", id}};
     if (outcome) {
-        response["result"] = std::move(*outcome);
-    } else {
-        const RPCError& error = outcome.error();
-        json encoded = {{"code", error.code}, {"message", error.message}};
-        if (error.data) {
-            encoded["data"] = *error.data;
-        }
-        response["error"] = std::move(encoded);
+        // The result's line is put together around it, without building the response object.
+        answerWithText(id, dumpCompact(*outcome));
+        return;
     }
-    writeResponse(response);
+    const RPCError& error = outcome.error();
+    json encoded = {{"code", error.code}, {"message", error.message}};
+    if (error.data) {
+        encoded["data"] = *error.data;
+    }
+    writeResponse(json{{"jsonrpc", "2.0"}, {"id", id}, {"error", std::move(encoded)}});
 }
 
 // The same line as answer() would write, with a result that is already JSON text; keys in order.
@@ -218,7 +233,7 @@ void Server::answerWithText(const json& id, std::string_view resultText) {
     std::string bytes = R"({"id":)";
     bytes.append(dumpCompact(id)).append(R"(,"jsonrpc":"2.0","result":)").append(resultText);
     bytes.append("}\n");
-    writeLine(std::move(bytes));
+    writeLine(bytes);
 }
 
 void Server::writeResponse(const json& response) {
@@ -230,23 +245,26 @@ void Server::writeResponse(const json& response) {
         return;
     }
     bytes.push_back('\n');
-    writeLine(std::move(bytes));
+    writeLine(bytes);
 }
 
-void Server::writeLine(std::string bytes) {
+void Server::writeLine(std::string_view bytes) {
     std::lock_guard<std::mutex> lock(outputLock_);
-    std::size_t written = 0;
-    while (written < bytes.size()) {
-        const ssize_t n =
-            ::write(options_.outputFd, bytes.data() + written, bytes.size() - written);
-        if (n < 0 && errno == EINTR) {
-            continue;
-        }
-        if (n <= 0) {
-            return;  // the agent has stopped reading; nothing else can be done with the line
-        }
-        written += static_cast<std::size_t>(n);
+    pendingOutput_.append(bytes);
+    if (pendingOutput_.size() >= kMaxPendingOutputBytes) {
+        writePendingLocked();
     }
+}
+
+void Server::flushOutput() {
+    std::lock_guard<std::mutex> lock(outputLock_);
+    writePendingLocked();
+}
+
+void Server::writePendingLocked() {
+    // An agent that stopped reading has gone; nothing else can be done with the lines.
+    (void)writeAll(options_.outputFd, pendingOutput_);
+    pendingOutput_.clear();
 }
 
 }  // namespace orvo

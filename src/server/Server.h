@@ -35,8 +35,12 @@ class Server {
 public:
     Server(const ToolRegistry& registry, ServerOptions options);
 
-    // Answers one line, or hands it to a queue and returns at once.
-    void handleLine(std::string_view line);
+    // Answers one line, or hands it to a queue and returns at once. With `moreInputReady` the
+    // answer may wait for the answers to the lines after it, so that a burst of requests is
+    // answered in one write; it never waits while a tool runs.
+    void handleLine(std::string_view line, bool moreInputReady = false);
+    // Writes the answers that are waiting.
+    void flushOutput();
 
     // End of input: cancels the computer-use calls in flight and waits for their work to end.
     void finishInput();
@@ -51,7 +55,9 @@ private:
     void answer(const json& id, Result<json> outcome);
     void answerWithText(const json& id, std::string_view resultText);
     void writeResponse(const json& response);
-    void writeLine(std::string bytes);
+    void writeLine(std::string_view bytes);
+    void writePendingLocked();  // with outputLock_ held
+    void dispatchLine(std::string_view line);
 
     const ToolRegistry& registry_;
     ServerOptions options_;
@@ -59,6 +65,7 @@ private:
     std::optional<std::string> version_;      // read at the first initialize
     std::optional<std::string> listingText_;  // made at the first tools/list; the set never changes
     std::mutex outputLock_;
+    std::string pendingOutput_;  // whole lines not yet written; guarded by outputLock_
     RequestTracker requests_;
     WorkerGroup workers_;
     // Declared last so that their threads are joined before anything they use goes away.

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "applink/AppClient.h"
+#include "protocol/ActionHoldWire.h"
 #include "protocol/ActivityLogFiles.h"
 #include "protocol/Diagnostics.h"
 #include "protocol/Platform.h"
@@ -49,7 +50,7 @@ StartupSettings readStartupSettings(std::span<const std::string> arguments,
     settings.assistantOrigin =
         assistantOriginValue != nullptr && std::string_view(assistantOriginValue) == "1";
     settings.audibleCue = audibleValue == nullptr || std::string_view(audibleValue) != "0";
-    settings.hookMode = hasFlag(arguments, kActionHoldHookFlag);
+    settings.hookMode = hasFlag(arguments, ActionHoldWire::kHookFlag);
     if (std::optional<std::string> toolsets = valueAfter(arguments, "--toolsets")) {
         settings.selection.enabled = parseToolsets(*toolsets);
     }
@@ -98,7 +99,10 @@ int runServer(const StartupSettings& settings, std::span<const PrecomputedListin
     LineReader reader(STDIN_FILENO);
     while (std::optional<std::string_view> line = reader.next()) {
         if (!line->empty()) {
-            server.handleLine(*line);
+            server.handleLine(*line, /*moreInputReady=*/true);
+        }
+        if (!reader.hasBufferedLine()) {
+            server.flushOutput();  // before reading blocks
         }
     }
     terminationWatch.finish();

@@ -12,8 +12,6 @@
 
 namespace orvo {
 
-inline constexpr std::string_view kActionHoldHookFlag = "--action-hold-hook";
-
 // Written once before any request is read; only read afterwards.
 struct StartupSettings {
     std::vector<std::string> arguments;  // the program path included

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "applink/AppClient.h"  // errnoDescription
+#include "applink/DescriptorIO.h"
 #include "protocol/Diagnostics.h"
 
 namespace orvo {
@@ -31,15 +32,8 @@ void writeLine(const std::filesystem::path& file, const AuditRecord& record) {
                       errnoDescription(errno));
         return;
     }
-    ssize_t written;
-    do {
-        written = ::write(fd, line.data(), line.size());
-    } while (written < 0 && errno == EINTR);
-    if (written < 0) {
-        logDiagnostic("ContextAuditLog: write failed: " + errnoDescription(errno));
-    } else if (static_cast<std::size_t>(written) != line.size()) {
-        logDiagnostic("ContextAuditLog: write failed: wrote " + std::to_string(written) + " of " +
-                      std::to_string(line.size()) + " bytes");
+    if (const IOResult written = writeAll(fd, line); written.status != IOStatus::done) {
+        logDiagnostic("ContextAuditLog: write failed: " + errnoDescription(written.error));
     }
     if (::close(fd) != 0 && errno != EINTR) {
         logDiagnostic("ContextAuditLog: write failed: " + errnoDescription(errno));

@@ -2,8 +2,6 @@
 #include "userfiles/SettingsSnapshot.h"
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 
 #include "protocol/Graphemes.h"
 #include "userfiles/FileText.h"
@@ -22,86 +20,43 @@ constexpr std::string_view kCorrectionEngines[] = {"local", "claudeHaiku", "clau
 constexpr std::string_view kWritingEngines[] = {"sameAsCorrection", "local", "claudeHaiku",
                                                 "claudeSonnet"};
 
-bool decodeValue(const json& value, std::string& out) {
-    if (!value.is_string()) {
+// A field that is present with another type spoils the whole file, as the app's own decoder
+// would; absent and null fields stay unset.
+template <class T>
+bool decodeField(const json& object, std::string_view key, std::optional<T>& field) {
+    Result<std::optional<T>> value = read<T>(object, key, key);
+    if (!value) {
         return false;
     }
-    out = value.get<std::string>();
+    field = std::move(*value);
     return true;
 }
 
-bool decodeValue(const json& value, bool& out) {
-    if (!value.is_boolean()) {
+bool decodeField(const json& object, std::string_view key, std::optional<HotkeyBinding>& field) {
+    Result<std::optional<JsonObject>> value = read<JsonObject>(object, key, key);
+    if (!value || !*value) {
+        return value.has_value();
+    }
+    Result<std::optional<std::string>> name = read<std::string>(*(*value)->value, "name", "name");
+    if (!name) {
         return false;
     }
-    out = value.get<bool>();
+    field = HotkeyBinding{std::move(*name)};
     return true;
 }
 
-// Whole numbers only; 60.0 is a whole number, 60.5 and "60" are not.
-bool decodeValue(const json& value, std::int64_t& out) {
-    if (value.is_number_integer() && !value.is_number_unsigned()) {
-        out = value.get<std::int64_t>();
-        return true;
+bool decodeField(const json& object, std::string_view key,
+                 std::optional<std::map<std::string, std::string>>& field) {
+    Result<std::optional<JsonObject>> value = read<JsonObject>(object, key, key);
+    if (!value || !*value) {
+        return value.has_value();
     }
-    if (value.is_number_unsigned()) {
-        const auto number = value.get<std::uint64_t>();
-        if (number > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) {
-            return false;
-        }
-        out = static_cast<std::int64_t>(number);
-        return true;
-    }
-    if (value.is_number_float()) {
-        const double number = value.get<double>();
-        // 2^63 is the first double past the int64 range.
-        if (std::trunc(number) != number || number < -9223372036854775808.0 ||
-            number >= 9223372036854775808.0) {
-            return false;
-        }
-        out = static_cast<std::int64_t>(number);
-        return true;
-    }
-    return false;
-}
-
-bool decodeValue(const json& value, HotkeyBinding& out) {
-    if (!value.is_object()) {
-        return false;
-    }
-    const json* name = member(value, "name");
-    if (name != nullptr && !name->is_null()) {
-        std::string decoded;
-        if (!decodeValue(*name, decoded)) {
-            return false;
-        }
-        out.name = std::move(decoded);
-    }
-    return true;
-}
-
-bool decodeValue(const json& value, std::map<std::string, std::string>& out) {
-    if (!value.is_object()) {
-        return false;
-    }
-    for (const auto& [key, voice] : value.items()) {
+    std::map<std::string, std::string> decoded;
+    for (const auto& [entry, voice] : (*value)->value->items()) {
         if (!voice.is_string()) {
             return false;
         }
-        out.emplace(key, voice.get<std::string>());
-    }
-    return true;
-}
-
-template <class T>
-bool decodeField(const json& object, std::string_view key, std::optional<T>& field) {
-    const json* value = member(object, key);
-    if (value == nullptr || value->is_null()) {
-        return true;
-    }
-    T decoded{};
-    if (!decodeValue(*value, decoded)) {
-        return false;
+        decoded.emplace(entry, voice.get<std::string>());
     }
     field = std::move(decoded);
     return true;

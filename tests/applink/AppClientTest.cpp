@@ -129,9 +129,17 @@ TEST_F(AppClientTest, ReportsTheAppMissingOrSilent) {
         test::FakeReply late = test::successReply(json::object());
         late.delay = 400ms;
         app.on("m", late);
-        EXPECT_EQ(call(100ms),
-                  "-32013 Orvo did not answer in time. The request may still be waiting for the "
-                  "user; check the screen before retrying.");
+        const std::string silent =
+            "-32013 Orvo did not answer in time. The request may still be waiting for the user; "
+            "check the screen before retrying.";
+        EXPECT_EQ(call(100ms), silent);
+        // The limit bounds the whole reply, not the wait for each byte.
+        test::FakeReply trickle = test::successReply(json{{"pad", std::string(40, 'x')}});
+        trickle.trickle = 20ms;
+        app.on("m", trickle);
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(call(150ms), silent);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, 600ms);
     }
     // The socket file is left behind by an app that quit: nobody listens there.
     test::writeFile(socketPath(), "");

@@ -110,5 +110,18 @@ TEST_F(AppSessionTest, EndOfInputAbandonsTheCallsInFlightAndExits) {
     EXPECT_EQ(server->readLine(std::chrono::milliseconds(100)), std::nullopt);
 }
 
+TEST_F(AppSessionTest, AnswersDoNotWaitForAToolThatWaitsForTheApp) {
+    FakeReply slow = successReply(json::object());
+    slow.delay = 1500ms;
+    app_->on("list_meetings", slow);
+    auto server = startServer();
+    ASSERT_EQ(server->request(json{{"jsonrpc", "2.0"}, {"id", 0}, {"method", "ping"}})["id"], 0);
+    // Read together, so the ping's answer could be held back for the tool's.
+    server->send(R"({"jsonrpc":"2.0","id":1,"method":"ping"})"
+                 "\n" +
+                 dumpCompact(toolCall(2, "list_meetings")) + "\n");
+    EXPECT_EQ(server->readLine(1000ms), R"({"id":1,"jsonrpc":"2.0","result":{}})");
+}
+
 }  // namespace
 }  // namespace orvo::test

@@ -87,6 +87,47 @@ TEST(JsonTest, DumpsSortedCompactWithSlashesAndUnicodeAsTheyAre) {
     EXPECT_TRUE(isRepresentable(json{{"a", {1.5, "\xC3\xA9"}}}));
 }
 
+TEST(JsonTest, ReadTellsMissingFromWrongTypeAndKeepsWholeNumbersInRange) {
+    const json object = json::parse(
+        R"({"s":"x","b":true,"n":-2.5,"whole":60.0,"half":60.5,"big":2147483648,)"
+        R"("small":-2147483648.0,"huge":18446744073709551615,"edge":9223372036854775808.0,)"
+        R"("o":{},"a":[],"null":null})");
+    const auto message = [](auto result) -> std::string {
+        return result ? (*result ? "value" : "none") : result.error().message;
+    };
+    const struct {
+        std::string got;
+        std::string want;
+    } cases[] = {
+        {message(read<std::string>(object, "s", "p.s")), "value"},
+        {message(read<std::string>(object, "null", "p.null")), "none"},
+        {message(read<std::string>(object, "absent", "p.absent")), "none"},
+        {message(read<std::string>(object, "b", "p.b")), "p.b: expected string"},
+        {message(read<bool>(object, "s", "p.s")), "p.s: expected boolean"},
+        {message(read<double>(object, "big", "p.big")), "value"},
+        {message(read<double>(object, "s", "p.s")), "p.s: expected number"},
+        {message(read<std::int32_t>(object, "whole", "p.whole")), "value"},
+        {message(read<std::int32_t>(object, "half", "p.half")), "p.half: expected integer"},
+        {message(read<std::int32_t>(object, "big", "p.big")), "p.big: expected integer"},
+        {message(read<std::int32_t>(object, "small", "p.small")), "value"},
+        {message(read<std::int64_t>(object, "big", "p.big")), "value"},
+        {message(read<std::int64_t>(object, "huge", "p.huge")), "p.huge: expected integer"},
+        {message(read<std::int64_t>(object, "edge", "p.edge")), "p.edge: expected integer"},
+        {message(read<std::int64_t>(object, "s", "p.s")), "p.s: expected integer"},
+        {message(read<JsonObject>(object, "a", "p.a")), "p.a: expected object"},
+        {message(read<JsonArray>(object, "o", "p.o")), "p.o: expected array"},
+        {message(read<std::string>(json::array(), "s", "p.s")), "none"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.want);
+        EXPECT_EQ(c.got, c.want);
+    }
+    EXPECT_EQ(*read<std::int32_t>(object, "small", "small"), -2147483648);
+    EXPECT_EQ(*read<std::int64_t>(object, "whole", "whole"), 60);
+    EXPECT_EQ(read<std::string>(object, "b", "b").error().code, -32602);
+    EXPECT_EQ((*read<JsonObject>(object, "o", "o"))->value, &object["o"]);
+}
+
 TEST(JsonTest, UTF8CheckRejectsEveryMalformedForm) {
     const struct {
         std::string bytes;

@@ -175,12 +175,17 @@ void FakeApp::serve(int fd) {
             return stop.stop_requested();
         });
     } else {
-        std::unique_lock<std::mutex> guard(lock_);
-        const bool stopped =
-            changed_.wait_for(guard, reply.delay, [this] { return stopping_.load(); });
-        guard.unlock();
-        if (!stopped) {
-            writeAllBytes(fd, reply.bytes);
+        const std::size_t piece =
+            reply.trickle.count() > 0 ? 1 : std::max<std::size_t>(reply.bytes.size(), 1);
+        std::chrono::milliseconds pause = reply.delay;
+        for (std::size_t at = 0; at == 0 || at < reply.bytes.size(); at += piece) {
+            std::unique_lock<std::mutex> guard(lock_);
+            if (changed_.wait_for(guard, pause, [this] { return stopping_.load(); })) {
+                break;
+            }
+            guard.unlock();
+            writeAllBytes(fd, std::string_view(reply.bytes).substr(at, piece));
+            pause = reply.trickle;
         }
     }
     {

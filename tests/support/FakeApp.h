@@ -21,8 +21,9 @@
 namespace orvo::test {
 
 struct FakeReply {
-    std::string bytes;                   // written as they are; empty closes without a reply
-    std::chrono::milliseconds delay{0};  // cut short when the fake app is torn down
+    std::string bytes;                     // written as they are; empty closes without a reply
+    std::chrono::milliseconds delay{0};    // cut short when the fake app is torn down
+    std::chrono::milliseconds trickle{0};  // a pause before each byte after the first (0: none)
     // Holds the reply until the client goes away, as the app does while the owner decides.
     bool holdUntilDisconnect = false;
     // How long to watch for the client's half-close before replying (0: not watched).
