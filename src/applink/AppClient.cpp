@@ -3,7 +3,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <system_error>
 
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -14,6 +13,7 @@
 #include "applink/Platform.h"
 #include "applink/RequestCancellation.h"
 #include "protocol/AppEnvelope.h"
+#include "protocol/Diagnostics.h"
 #include "protocol/MCPSocketPath.h"
 
 namespace orvo {
@@ -34,11 +34,6 @@ timeval toTimeval(std::chrono::milliseconds duration) {
 }
 
 }  // namespace
-
-std::string errnoDescription(int error) {
-    // strerror's buffer is shared between threads; the category's message is the same text.
-    return std::generic_category().message(error) + " (errno " + std::to_string(error) + ")";
-}
 
 AppClient::AppClient(AppClientOptions options) : options_(std::move(options)) {}
 

@@ -8,10 +8,10 @@
 #include <string>
 #include <string_view>
 
-#include "applink/DescriptorIO.h"
-#include "applink/UniqueFd.h"
+#include "protocol/DescriptorIO.h"
 #include "protocol/Json.h"
 #include "protocol/Result.h"
+#include "protocol/UniqueFd.h"
 
 namespace orvo {
 
@@ -45,8 +45,5 @@ public:
 private:
     AppClientOptions options_;
 };
-
-// The system's message for `error` followed by " (errno N)".
-std::string errnoDescription(int error);
 
 }  // namespace orvo

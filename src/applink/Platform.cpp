@@ -26,16 +26,6 @@ int suppressSigpipe(int fd) {
 #endif
 }
 
-long sendWithoutSigpipe(int fd, const char* bytes, std::size_t size, bool dontWait) {
-    const int wait = dontWait ? MSG_DONTWAIT : 0;
-#if defined(__APPLE__)
-    // SO_NOSIGPIPE, set when the socket was made, covers send as well.
-    return ::send(fd, bytes, size, wait);
-#elif defined(__linux__)
-    return ::send(fd, bytes, size, wait | MSG_NOSIGNAL);
-#endif
-}
-
 int peerUserId(int fd, unsigned& uid) {
 #if defined(__APPLE__)
     uid_t peerUid = 0;

@@ -7,10 +7,10 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include "applink/DescriptorIO.h"
 #include "protocol/ActionHoldClassifier.h"
 #include "protocol/ActionHoldWire.h"
 #include "protocol/AppEnvelope.h"
+#include "protocol/DescriptorIO.h"
 #include "protocol/Diagnostics.h"
 #include "protocol/Platform.h"
 

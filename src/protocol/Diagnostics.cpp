@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <string>
+#include <system_error>
 
 #include <unistd.h>
 
@@ -23,6 +24,11 @@ void logLine(std::string_view prefix, std::string_view message) {
         }
         written += static_cast<std::size_t>(n);
     }
+}
+
+std::string errnoDescription(int error) {
+    // strerror's buffer is shared between threads; the category's message is the same text.
+    return std::generic_category().message(error) + " (errno " + std::to_string(error) + ")";
 }
 
 }  // namespace orvo

@@ -1,6 +1,7 @@
 // Diagnostics: single lines on standard error, each written whole.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace orvo {
@@ -13,5 +14,8 @@ void logLine(std::string_view prefix, std::string_view message);
 inline void logDiagnostic(std::string_view message) {
     logLine(kServerLogPrefix, message);
 }
+
+// The system's message for `error` followed by " (errno N)".
+std::string errnoDescription(int error);
 
 }  // namespace orvo

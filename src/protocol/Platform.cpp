@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <pwd.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #if defined(__APPLE__)
@@ -56,6 +57,16 @@ std::optional<std::filesystem::path> reportedApplicationSupportDirectory(
     return std::filesystem::path(found);
 #elif defined(__linux__)
     return home / "Library/Application Support";
+#endif
+}
+
+long sendWithoutSigpipe(int fd, const char* bytes, std::size_t size, bool dontWait) {
+    const int wait = dontWait ? MSG_DONTWAIT : 0;
+#if defined(__APPLE__)
+    // SO_NOSIGPIPE, set when the socket was made, covers send as well.
+    return ::send(fd, bytes, size, wait);
+#elif defined(__linux__)
+    return ::send(fd, bytes, size, wait | MSG_NOSIGNAL);
 #endif
 }
 

@@ -1,6 +1,7 @@
 // Where the current user's directories are, on each system this program runs on.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 
@@ -18,5 +19,9 @@ std::filesystem::path applicationSupportDirectory(const std::filesystem::path& h
 // "Library/Application Support".
 std::optional<std::filesystem::path> reportedApplicationSupportDirectory(
     const std::filesystem::path& home);
+
+// Like write(2) on a socket, never raising SIGPIPE; with `dontWait`, sends only what fits now and
+// fails with EAGAIN when nothing does.
+long sendWithoutSigpipe(int fd, const char* bytes, std::size_t size, bool dontWait);
 
 }  // namespace orvo

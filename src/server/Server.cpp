@@ -6,8 +6,8 @@
 
 #include <unistd.h>
 
-#include "applink/DescriptorIO.h"
 #include "protocol/AppEnvelope.h"
+#include "protocol/DescriptorIO.h"
 #include "protocol/Diagnostics.h"
 #include "server/Instructions.h"
 #include "userfiles/VersionLookup.h"

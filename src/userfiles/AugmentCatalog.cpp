@@ -6,7 +6,7 @@
 #include <set>
 #include <system_error>
 
-#include "applink/AppClient.h"
+#include "protocol/Diagnostics.h"
 #include "userfiles/FileText.h"
 
 namespace orvo {

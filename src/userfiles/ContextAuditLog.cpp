@@ -10,8 +10,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "applink/AppClient.h"  // errnoDescription
-#include "applink/DescriptorIO.h"
+#include "protocol/DescriptorIO.h"
 #include "protocol/Diagnostics.h"
 
 namespace orvo {

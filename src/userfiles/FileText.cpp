@@ -7,8 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "applink/AppClient.h"
-#include "applink/UniqueFd.h"
+#include "protocol/Diagnostics.h"
+#include "protocol/UniqueFd.h"
 
 namespace orvo {
 namespace {

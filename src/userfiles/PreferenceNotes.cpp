@@ -12,9 +12,9 @@
 #include <unistd.h>
 #include <utf8proc.h>
 
-#include "applink/AppClient.h"
-#include "applink/UniqueFd.h"
+#include "protocol/Diagnostics.h"
 #include "protocol/Graphemes.h"
+#include "protocol/UniqueFd.h"
 #include "userfiles/FileText.h"
 
 namespace orvo {

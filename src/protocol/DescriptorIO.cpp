@@ -1,6 +1,6 @@
 // Whole writes and bounded reads on a file descriptor, with interrupted calls retried and time
 // limits that bound the whole transfer rather than each system call.
-#include "applink/DescriptorIO.h"
+#include "protocol/DescriptorIO.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +10,7 @@
 #include <poll.h>
 #include <unistd.h>
 
-#include "applink/Platform.h"
+#include "protocol/Platform.h"
 
 namespace orvo {
 namespace {
