@@ -168,12 +168,13 @@ void FakeApp::serve(int fd) {
     bool halfClosed = reply.watchHalfClose.count() > 0 && sawHalfClose(fd, reply.watchHalfClose);
     bool disconnected = false;
     if (reply.holdUntilDisconnect) {
-        disconnected = withMCPDisconnectCancellation(fd, [&](std::stop_token stop) {
-            while (!stop.stop_requested() && !stopping_) {
+        const Status held = withMCPDisconnectCancellation(fd, [&](const CancellationFlag& flag) {
+            while (!flag.isCancelled() && !stopping_) {
                 std::this_thread::sleep_for(std::chrono::milliseconds(2));
             }
-            return stop.stop_requested();
+            return Done{};
         });
+        disconnected = !held;
     } else {
         std::unique_lock<std::mutex> guard(lock_);
         const bool stopped =
