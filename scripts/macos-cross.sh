@@ -126,4 +126,6 @@ cmake --preset macos-universal >/dev/null
 cmake --build --preset macos-universal
 rm -rf build/macos-universal/install
 cmake --install build/macos-universal --prefix build/macos-universal/install >/dev/null
-llvm-lipo -info build/macos-universal/install/bin/orvo-agent-mcp
+# Debian names its llvm-lipo after the LLVM version; the build found it.
+lipo=$(sed -n 's/^ORVO_LIPO:FILEPATH=//p' build/macos-universal/CMakeCache.txt)
+"$lipo" -info build/macos-universal/install/bin/orvo-agent-mcp
