@@ -35,7 +35,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "ChildProcess.h"
+#include "support/Platform.h"
+
+extern char** environ;  // the programs compared get our whole environment
 
 namespace {
 
@@ -258,7 +260,7 @@ long hookPeakResidentKiB(const std::vector<std::string>& command, const std::str
         }
         int forward = 0;
         if (status >> 8 == (SIGTRAP | (PTRACE_EVENT_EXIT << 8))) {
-            peakKiB = orvo::peakResidentKiB(pid);
+            peakKiB = orvo::test::peakResidentKiB(pid);
         } else {
             forward = WSTOPSIG(status);
         }
@@ -346,7 +348,8 @@ int runStart(int runs, const std::vector<Command>& commands) {
             const Clock::time_point listed = process.awaitAnswer(2);
             samples[i].micros.push_back(
                 std::chrono::duration<double, std::micro>(listed - start).count());
-            samples[i].peakKiB = std::max(samples[i].peakKiB, orvo::peakResidentKiB(process.pid));
+            samples[i].peakKiB =
+                std::max(samples[i].peakKiB, orvo::test::peakResidentKiB(process.pid));
             process.finish();
         }
     }
@@ -393,7 +396,7 @@ int runPing(double seconds, const std::vector<std::string>& command) {
         process.send(refill);
     }
     const double elapsed = std::chrono::duration<double>(Clock::now() - start).count();
-    const long peakKiB = orvo::peakResidentKiB(process.pid);
+    const long peakKiB = orvo::test::peakResidentKiB(process.pid);
     process.finish();
     std::printf("%.0f\t%ld\n", static_cast<double>(answered) / elapsed, peakKiB);
     return 0;

@@ -7,4 +7,4 @@ scripts/install-deps.sh clang-tidy
 # The ci build's compile commands give clang-tidy each file's flags; configuring again picks up
 # files added since.
 cmake --preset ci >/dev/null
-run-clang-tidy -p build/ci -quiet -j "$(nproc)" "^$PWD/src/"
+run-clang-tidy -p build/ci -quiet -j "$(getconf _NPROCESSORS_ONLN)" "^$PWD/src/"

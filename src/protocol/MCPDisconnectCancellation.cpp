@@ -12,11 +12,10 @@
 namespace orvo {
 
 struct MCPDisconnectWatcher::State {
-    State(int watched, std::stop_source source)
-        : fd(watched), stopOnDisconnect(std::move(source)) {}
+    State(int watched, CancellationFlag& flag) : fd(watched), cancelOnDisconnect(flag) {}
 
     int fd;
-    std::stop_source stopOnDisconnect;
+    CancellationFlag& cancelOnDisconnect;
     int wake[2] = {-1, -1};  // written once to end the watch when the operation finishes first
     std::thread thread;
 
@@ -27,7 +26,7 @@ struct MCPDisconnectWatcher::State {
                 if (errno == EINTR) {
                     continue;
                 }
-                stopOnDisconnect.request_stop();
+                cancelOnDisconnect.cancel();
                 return;
             }
             if (fds[1].revents != 0) {
@@ -42,14 +41,14 @@ struct MCPDisconnectWatcher::State {
             if (n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR)) {
                 continue;
             }
-            stopOnDisconnect.request_stop();
+            cancelOnDisconnect.cancel();
             return;
         }
     }
 };
 
-MCPDisconnectWatcher::MCPDisconnectWatcher(int fd, std::stop_source stopOnDisconnect)
-    : state_(std::make_unique<State>(fd, std::move(stopOnDisconnect))) {
+MCPDisconnectWatcher::MCPDisconnectWatcher(int fd, CancellationFlag& cancelOnDisconnect)
+    : state_(std::make_unique<State>(fd, cancelOnDisconnect)) {
     if (::pipe(state_->wake) != 0) {
         // Without a way to wake it the watcher cannot be stopped; the operation runs unwatched.
         state_->wake[0] = state_->wake[1] = -1;
@@ -69,6 +68,10 @@ MCPDisconnectWatcher::~MCPDisconnectWatcher() {
             ::close(end);
         }
     }
+}
+
+RPCError disconnectCancellationError() {
+    return {RPCCode::kServerError, "Request cancelled", std::nullopt};
 }
 
 }  // namespace orvo

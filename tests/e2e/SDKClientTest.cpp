@@ -10,7 +10,7 @@
 #include <unistd.h>
 
 #include "support/ServerProcess.h"
-#include "support/ThrowawayUser.h"
+#include "support/UserAppTest.h"
 
 namespace orvo::test {
 namespace {
@@ -34,13 +34,12 @@ std::optional<std::filesystem::path> findOnPath(std::string_view program) {
     return std::nullopt;
 }
 
-class SDKClientTest : public ::testing::Test {
+class SDKClientTest : public ThrowawayUserTest {
 protected:
     void SetUp() override {
-        std::string whyNot;
-        user_ = ThrowawayUser::get(whyNot);
-        if (user_ == nullptr) {
-            GTEST_SKIP() << whyNot;
+        ThrowawayUserTest::SetUp();
+        if (IsSkipped()) {
+            return;
         }
         node_ = findOnPath("node");
         if (!node_) {
@@ -54,20 +53,16 @@ protected:
         }
         std::filesystem::copy_file(kClientSource, kInteropDirectory / "client.mjs",
                                    std::filesystem::copy_options::overwrite_existing);
-        user_->resetHome();
     }
 
-    const ThrowawayUser* user_ = nullptr;
     std::optional<std::filesystem::path> node_;
 };
 
 TEST_F(SDKClientTest, AcceptsEveryResponseOfAWholeSession) {
-    ProcessOptions options;
+    ProcessOptions options = asUser();
     options.program = node_->string();
     options.arguments = {(kInteropDirectory / "client.mjs").string(), ORVO_BINARY_PATH};
     options.environment = {{"HOME", user_->home.string()}};
-    options.uid = user_->uid;
-    options.gid = user_->gid;
     ServerProcess client(options);
     const std::optional<std::string> line = client.readLine(std::chrono::seconds(60));
     EXPECT_EQ(client.waitForExit(), 0);

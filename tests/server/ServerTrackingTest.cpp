@@ -1,5 +1,3 @@
-#include <dirent.h>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <unistd.h>
@@ -8,6 +6,7 @@
 #include "protocol/MCPSocketPath.h"
 #include "server/Server.h"
 #include "support/FakeApp.h"
+#include "support/Platform.h"
 #include "support/ServerProcess.h"
 
 namespace orvo {
@@ -27,21 +26,11 @@ constexpr ToolRow kRows[] = {
 const MCPTool kInspect(kRows[0]), kClick(kRows[1]), kNotes(kRows[2]), kSlow(kRows[3]);
 const MCPTool* const kTools[] = {&kInspect, &kClick, &kNotes};
 
-std::size_t openDescriptors() {
-    std::size_t count = 0;
-    DIR* dir = ::opendir("/proc/self/fd");
-    while (::readdir(dir) != nullptr) {
-        ++count;
-    }
-    ::closedir(dir);
-    return count;
-}
-
 // A server in this process, fed line by line, with its output on a pipe.
 class ServerTrackingTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_EQ(::pipe2(output_, O_CLOEXEC), 0);
+        ASSERT_EQ(test::openPipe(output_), 0);
         app_ = std::make_unique<test::FakeApp>(MCPSocketPath::resolve(home_.path()));
         client_ = std::make_unique<AppClient>(
             AppClientOptions{home_.path(), std::nullopt, false, [](std::string_view method) {
@@ -174,7 +163,7 @@ TEST_F(ServerTrackingTest, OrdinaryCallsAreNotTrackedAndHalfCloseAtOnce) {
 }
 
 TEST_F(ServerTrackingTest, TenThousandCallsLeaveNoDescriptorBehind) {
-    const std::size_t before = openDescriptors();
+    const std::size_t before = test::openDescriptorCount();
     app_->on("get_meeting_notes", test::successReply({{"ok", true}}));
     app_->on("computer_inspect", test::errorReply("refused", "no"));
     app_->on("computer_click", test::heldReply());
@@ -198,7 +187,7 @@ TEST_F(ServerTrackingTest, TenThousandCallsLeaveNoDescriptorBehind) {
         ASSERT_TRUE(app_->waitForFinished(finished)) << i;
     }
     server_->finishInput();
-    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_EQ(test::openDescriptorCount(), before);
 }
 
 }  // namespace

@@ -10,15 +10,18 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "applink/Platform.h"
 #include "protocol/AppEnvelope.h"
 #include "protocol/MCPDisconnectCancellation.h"
+#include "protocol/Platform.h"
+#include "support/Platform.h"
 
 namespace orvo::test {
 namespace {
 
 void writeAllBytes(int fd, std::string_view bytes) {
     while (!bytes.empty()) {
-        const ssize_t n = ::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        const long n = sendWithoutSigpipe(fd, bytes.data(), bytes.size(), /*dontWait=*/false);
         if (n <= 0) {
             return;
         }
@@ -81,7 +84,7 @@ FakeApp::FakeApp(std::filesystem::path socketPath, std::optional<std::pair<uid_t
             throw std::runtime_error("cannot take the fake app's user id");
         }
     }
-    listener_ = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    listener_ = openLocalSocket();
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     std::strncpy(address.sun_path, path_.c_str(), sizeof address.sun_path - 1);
@@ -127,13 +130,15 @@ void FakeApp::on(const std::string& method, FakeReply reply) {
 
 void FakeApp::acceptLoop() {
     for (;;) {
-        const int fd = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+        const int fd = acceptConnection(listener_);
         if (fd < 0) {
             if (stopping_) {
                 return;
             }
             continue;
         }
+        // A reply to a client that already left must not end the test run with SIGPIPE.
+        suppressSigpipe(fd);
         std::lock_guard<std::mutex> guard(lock_);
         if (stopping_) {
             ::close(fd);
@@ -168,12 +173,13 @@ void FakeApp::serve(int fd) {
     bool halfClosed = reply.watchHalfClose.count() > 0 && sawHalfClose(fd, reply.watchHalfClose);
     bool disconnected = false;
     if (reply.holdUntilDisconnect) {
-        disconnected = withMCPDisconnectCancellation(fd, [&](std::stop_token stop) {
-            while (!stop.stop_requested() && !stopping_) {
+        const Status held = withMCPDisconnectCancellation(fd, [&](const CancellationFlag& flag) {
+            while (!flag.isCancelled() && !stopping_) {
                 std::this_thread::sleep_for(std::chrono::milliseconds(2));
             }
-            return stop.stop_requested();
+            return Done{};
         });
+        disconnected = !held;
     } else {
         const std::size_t piece =
             reply.trickle.count() > 0 ? 1 : std::max<std::size_t>(reply.bytes.size(), 1);

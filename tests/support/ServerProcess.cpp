@@ -11,8 +11,11 @@
 #include <grp.h>
 #include <poll.h>
 #include <signal.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "support/Platform.h"
 
 namespace orvo::test {
 namespace {
@@ -32,13 +35,14 @@ long long remainingMs(std::chrono::steady_clock::time_point deadline) {
 
 }  // namespace
 
-ServerProcess::ServerProcess(ProcessOptions options) {
-    int in[2], out[2], err[2];
-    if (::pipe2(in, O_CLOEXEC) != 0 || ::pipe2(out, O_CLOEXEC) != 0 ||
-        ::pipe2(err, O_CLOEXEC) != 0) {
+SpawnedProcess spawnProcess(const ProcessOptions& options) {
+    int in[2], out[2], err[2] = {-1, -1};
+    if (openPipe(in) != 0 || openPipe(out) != 0 ||
+        (options.pipeStandardError && openPipe(err) != 0)) {
         throw std::runtime_error("pipe failed");
     }
-    // Everything the child needs is prepared before fork: after it only exec-safe calls are made.
+    // Everything the child needs is prepared before it starts: after fork only exec-safe calls
+    // are made.
     std::vector<std::string> argumentStrings{options.program};
     argumentStrings.insert(argumentStrings.end(), options.arguments.begin(),
                            options.arguments.end());
@@ -57,33 +61,65 @@ ServerProcess::ServerProcess(ProcessOptions options) {
     }
     envp.push_back(nullptr);
 
-    pid_ = ::fork();
-    if (pid_ < 0) {
-        throw std::runtime_error("fork failed");
-    }
-    if (pid_ == 0) {
-        ::dup2(in[0], STDIN_FILENO);
-        ::dup2(out[1], STDOUT_FILENO);
-        ::dup2(err[1], STDERR_FILENO);
-        if (options.gid && (::setgroups(0, nullptr) != 0 || ::setgid(*options.gid) != 0)) {
-            ::_exit(126);
+    SpawnedProcess child;
+    if (!options.uid && !options.gid) {
+        // posix_spawn is the cheaper start, and the benchmarks time it.
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, in[0], STDIN_FILENO);
+        posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
+        if (err[1] >= 0) {
+            posix_spawn_file_actions_adddup2(&actions, err[1], STDERR_FILENO);
         }
-        if (options.uid && ::setuid(*options.uid) != 0) {
-            ::_exit(126);
+        const int failed =
+            ::posix_spawn(&child.pid, argv[0], &actions, nullptr, argv.data(), envp.data());
+        posix_spawn_file_actions_destroy(&actions);
+        if (failed != 0) {
+            throw std::runtime_error("posix_spawn failed");
         }
-        if (::chdir("/") != 0) {
-            ::_exit(126);
+    } else {
+        // Changing user needs fork; the child starts in / since it may not enter our directory.
+        child.pid = ::fork();
+        if (child.pid < 0) {
+            throw std::runtime_error("fork failed");
         }
-        ::execve(argv[0], argv.data(), envp.data());
-        ::_exit(127);
+        if (child.pid == 0) {
+            ::dup2(in[0], STDIN_FILENO);
+            ::dup2(out[1], STDOUT_FILENO);
+            if (err[1] >= 0) {
+                ::dup2(err[1], STDERR_FILENO);
+            }
+            if (options.gid && (::setgroups(0, nullptr) != 0 || ::setgid(*options.gid) != 0)) {
+                ::_exit(126);
+            }
+            if (options.uid && ::setuid(*options.uid) != 0) {
+                ::_exit(126);
+            }
+            if (::chdir("/") != 0) {
+                ::_exit(126);
+            }
+            ::execve(argv[0], argv.data(), envp.data());
+            ::_exit(127);
+        }
     }
     ::close(in[0]);
     ::close(out[1]);
-    ::close(err[1]);
-    input_ = in[1];
-    output_ = out[0];
-    error_ = err[0];
-    ::fcntl(error_, F_SETFL, O_NONBLOCK);
+    closeFd(err[1]);
+    child.input = in[1];
+    child.output = out[0];
+    child.error = err[0];
+    return child;
+}
+
+ServerProcess::ServerProcess(ProcessOptions options) {
+    const SpawnedProcess child = spawnProcess(options);
+    pid_ = child.pid;
+    input_ = child.input;
+    output_ = child.output;
+    error_ = child.error;
+    if (error_ >= 0) {
+        ::fcntl(error_, F_SETFL, O_NONBLOCK);
+    }
 }
 
 ServerProcess::~ServerProcess() {

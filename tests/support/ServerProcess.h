@@ -1,4 +1,5 @@
-// Runs the real orvo-agent-mcp binary over pipes, as an agent would.
+// Runs the real orvo-agent-mcp binary over pipes, as an agent would, and the processes that
+// benchmarks time.
 #pragma once
 
 #include <chrono>
@@ -24,7 +25,20 @@ struct ProcessOptions {
     std::vector<std::pair<std::string, std::string>> environment;  // besides PATH
     std::optional<uid_t> uid;                                      // run as this user (needs root)
     std::optional<gid_t> gid;
+    bool pipeStandardError = true;  // else the child writes to ours
 };
+
+// A started child: its id and this process's ends of its standard streams (-1 when not piped).
+struct SpawnedProcess {
+    pid_t pid = -1;
+    int input = -1;
+    int output = -1;
+    int error = -1;
+};
+
+// Starts `options.program` with a clean environment; throws when it cannot. The one way tests
+// and benchmarks start processes.
+SpawnedProcess spawnProcess(const ProcessOptions& options);
 
 class ServerProcess {
 public:

@@ -8,6 +8,7 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include "support/Platform.h"
 #include "support/ServerProcess.h"
 
 namespace orvo::test {
@@ -17,8 +18,7 @@ std::unique_ptr<ThrowawayUser> gUser;
 
 void removeUser() {
     if (gUser) {
-        const std::string command = "userdel " + gUser->name + " >/dev/null 2>&1";
-        [[maybe_unused]] int ignored = std::system(command.c_str());
+        removeSystemUser(gUser->name);
         std::error_code error;
         std::filesystem::remove_all(gUser->home, error);
     }
@@ -49,12 +49,7 @@ const ThrowawayUser* ThrowawayUser::get(std::string& whyNot) {
     auto user = std::make_unique<ThrowawayUser>();
     user->name = "orvoe2e" + std::to_string(::getpid());
     user->home = pattern;
-    const std::string command =
-        "useradd --system --no-create-home --user-group --shell "
-        "/usr/sbin/nologin --home-dir '" +
-        user->home.string() + "' " + user->name + " >/dev/null 2>&1";
-    if (std::system(command.c_str()) != 0) {
-        whyNot = "useradd failed";
+    if (addSystemUser(user->name, user->home, whyNot) != 0) {
         std::filesystem::remove_all(user->home);
         return nullptr;
     }

@@ -1,4 +1,5 @@
-// A throwaway user whose fake app answers on that user's own socket, for runs of the real binary.
+// A throwaway user with an empty home, optionally with a fake app answering on that user's own
+// socket, for runs of the real binary.
 #pragma once
 
 #include <filesystem>
@@ -14,7 +15,7 @@
 
 namespace orvo::test {
 
-class UserAppTest : public ::testing::Test {
+class ThrowawayUserTest : public ::testing::Test {
 protected:
     void SetUp() override {
         std::string whyNot;
@@ -23,9 +24,6 @@ protected:
             GTEST_SKIP() << whyNot;
         }
         user_->resetHome();
-        const auto socket = MCPSocketPath::resolve(user_->home);
-        user_->makeHomeDirectories(std::filesystem::relative(socket.parent_path(), user_->home));
-        app_ = std::make_unique<FakeApp>(socket, std::pair{user_->uid, user_->gid});
     }
     // A process of the real binary run as the user.
     ProcessOptions asUser() const {
@@ -36,6 +34,20 @@ protected:
     }
 
     const ThrowawayUser* user_ = nullptr;
+};
+
+class UserAppTest : public ThrowawayUserTest {
+protected:
+    void SetUp() override {
+        ThrowawayUserTest::SetUp();
+        if (IsSkipped()) {
+            return;
+        }
+        const auto socket = MCPSocketPath::resolve(user_->home);
+        user_->makeHomeDirectories(std::filesystem::relative(socket.parent_path(), user_->home));
+        app_ = std::make_unique<FakeApp>(socket, std::pair{user_->uid, user_->gid});
+    }
+
     std::unique_ptr<FakeApp> app_;
 };
 
