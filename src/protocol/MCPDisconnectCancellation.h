@@ -49,24 +49,22 @@ private:
 
 RPCError disconnectCancellationError();
 
-namespace detail {
+// What the caller gets: the operation's own Result, or its plain value wrapped in one.
 template <class T>
 struct DisconnectOutcome {
-    using type = Result<T>;
+    using Type = Result<T>;
 };
 template <class T>
 struct DisconnectOutcome<Result<T>> {
-    using type = Result<T>;
+    using Type = Result<T>;
 };
-}  // namespace detail
 
 // Runs `operation(flag)` and cancels the flag as soon as the client on `fd` disconnects. The
 // caller gets the operation's result only when it finished first; once the client has gone, the
 // result is the cancellation error whatever the operation returned, since nobody is waiting for it.
 template <class Operation>
 auto withMCPDisconnectCancellation(int fd, Operation&& operation) ->
-    typename detail::DisconnectOutcome<
-        std::invoke_result_t<Operation, const CancellationFlag&>>::type {
+    typename DisconnectOutcome<std::invoke_result_t<Operation, const CancellationFlag&>>::Type {
     CancellationFlag flag;
     MCPDisconnectWatcher watcher(fd, flag);
     auto result = std::forward<Operation>(operation)(std::as_const(flag));
