@@ -1,6 +1,6 @@
 // Tools answered from local files, without the app: settings, dictionary, augments, preference
 // notes, version.
-#include <cmath>
+#include <utility>
 
 #include "tools/ToolCatalog.h"
 #include "tools/ToolSchema.h"
@@ -22,35 +22,37 @@ Result<ToolOutput> currentSettings(const json& /*arguments*/, const ToolContext&
     return ToolOutput(buildSettingsSnapshot(loadPersistedSettings(file), readHotkeyLabel(file)));
 }
 
-// An optional whole-number argument from `minimum` to `maximum`, left in `value` when absent; the
-// error result when the argument is something else.
+// The local tools answer bad input inside their result rather than as a protocol error, so a
+// member of another type gives `message` there.
+template <class T>
+std::optional<json> optionalArgument(const json& arguments, std::string_view key,
+                                     std::string_view message, std::optional<T>& value) {
+    Result<std::optional<T>> given = read<T>(arguments, key, key);
+    if (!given) {
+        return json{{"error", std::string(message)}};
+    }
+    value = std::move(*given);
+    return std::nullopt;
+}
+
+// An optional whole-number argument from `minimum` to `maximum`, left in `value` when absent.
 std::optional<json> integerArgument(const json& arguments, std::string_view key,
                                     std::int64_t minimum, std::int64_t maximum,
                                     std::int64_t& value) {
-    const json* given = member(arguments, key);
-    if (given == nullptr || given->is_null()) {
+    const Result<std::optional<std::int64_t>> given = read<std::int64_t>(arguments, key, key);
+    if (given && (!*given || (**given >= minimum && **given <= maximum))) {
+        value = given->value_or(value);
         return std::nullopt;
     }
-    // 10.0 is a whole number as JSON writes it; 10.5 and "10" are not.
-    const bool whole =
-        given->is_number_integer() ||
-        (given->is_number_float() && std::trunc(given->get<double>()) == given->get<double>());
-    const double number = given->is_number() ? given->get<double>() : 0;
-    if (!whole || number < static_cast<double>(minimum) || number > static_cast<double>(maximum)) {
-        return json{{"error", std::string(key) + " must be a whole number from " +
-                                  std::to_string(minimum) + " to " + std::to_string(maximum)}};
-    }
-    value = static_cast<std::int64_t>(number);
-    return std::nullopt;
+    return json{{"error", std::string(key) + " must be a whole number from " +
+                              std::to_string(minimum) + " to " + std::to_string(maximum)}};
 }
 
 Result<ToolOutput> listDictionary(const json& arguments, const ToolContext& context) {
     ReplacementsQuery query;
-    if (const json* text = member(arguments, "query"); text != nullptr && !text->is_null()) {
-        if (!text->is_string()) {
-            return ToolOutput(json{{"error", "query must be a string"}});
-        }
-        query.text = text->get<std::string>();
+    if (std::optional<json> error =
+            optionalArgument(arguments, "query", "query must be a string", query.text)) {
+        return ToolOutput(*error);
     }
     if (std::optional<json> error =
             integerArgument(arguments, "limit", 1, kMaxReplacementsLimit, query.limit)) {
@@ -64,20 +66,16 @@ Result<ToolOutput> listDictionary(const json& arguments, const ToolContext& cont
 }
 
 Result<ToolOutput> listAugmentCatalog(const json& arguments, const ToolContext& context) {
-    bool includeDirectives = false;
-    if (const json* given = member(arguments, "includeDirectives");
-        given != nullptr && !given->is_null()) {
-        if (!given->is_boolean()) {
-            return ToolOutput(json{{"error", "includeDirectives must be true or false"}});
-        }
-        includeDirectives = given->get<bool>();
+    std::optional<bool> includeDirectives;
+    if (std::optional<json> error =
+            optionalArgument(arguments, "includeDirectives",
+                             "includeDirectives must be true or false", includeDirectives)) {
+        return ToolOutput(*error);
     }
     std::optional<std::string> kind;
-    if (const json* given = member(arguments, "kind"); given != nullptr && !given->is_null()) {
-        if (!given->is_string()) {
-            return ToolOutput(json{{"error", "kind must be a string"}});
-        }
-        kind = given->get<std::string>();
+    if (std::optional<json> error =
+            optionalArgument(arguments, "kind", "kind must be a string", kind)) {
+        return ToolOutput(*error);
     }
     std::optional<std::filesystem::path> resources =
         installedResourcesDirectory(context.programPath);
@@ -86,7 +84,7 @@ Result<ToolOutput> listAugmentCatalog(const json& arguments, const ToolContext& 
     }
     const AugmentCatalog catalog =
         loadAugmentCatalog(resources, userAugmentsDirectory(context.home));
-    return ToolOutput(listAugments(catalog, kind, includeDirectives));
+    return ToolOutput(listAugments(catalog, kind, includeDirectives.value_or(false)));
 }
 
 Result<ToolOutput> orvoVersion(const json& /*arguments*/, const ToolContext& context) {
