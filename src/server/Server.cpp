@@ -121,8 +121,9 @@ void Server::queueComputerUseCall(json id, std::string_view toolName, json param
         case TrackOutcome::tracked:
             break;
     }
-    const MCPToolMetadata* metadata = toolMetadata(toolName);
-    WorkQueue& queue = metadata != nullptr && metadata->permitsConcurrentRequests
+    // A tool that is not offered is refused in order, behind the calls that change things.
+    const MCPTool* tool = registry_.find(toolName);
+    WorkQueue& queue = tool != nullptr && tool->metadata().permitsConcurrentRequests
                            ? observationQueue_
                            : mutationQueue_;
     workers_.enter();

@@ -75,9 +75,6 @@ inline constexpr MCPToolAnnotations kCreating{false, false, false, false};
 inline constexpr MCPToolAnnotations kDestructive{false, true, false, false};
 inline constexpr MCPToolAnnotations kIdempotentChange{false, false, true, false};
 
-// The metadata of the catalogue's row for `name`, or null when the name has none.
-const MCPToolMetadata* toolMetadata(std::string_view name);
-
 // The enabled toolsets for a `--toolsets` value.
 MCPToolsets parseToolsets(std::string_view value);
 

@@ -48,11 +48,6 @@ const ToolRow* toolRow(std::string_view name) {
     return it != rows.end() && (*it)->name == name ? *it : nullptr;
 }
 
-const MCPToolMetadata* toolMetadata(std::string_view name) {
-    const ToolRow* row = toolRow(name);
-    return row == nullptr ? nullptr : &row->metadata;
-}
-
 std::span<const MCPTool* const> registeredTools() {
     return catalogue().toolsByName;
 }
