@@ -115,9 +115,17 @@ else
 fi
 
 # The table, with every figure also as a ratio to this program's own.
-machine="$(sed -n 's/^model name[[:space:]]*: //p' /proc/cpuinfo | head -n 1), $(nproc) cores, \
+cores=$(getconf _NPROCESSORS_ONLN)
+case "$(uname -s)" in
+    Darwin)
+        machine="$(sysctl -n machdep.cpu.brand_string), $cores cores, \
+$(sysctl -n hw.memsize | awk '{ printf "%.0f GiB", $1 / 1073741824 }'); \
+macOS $(sw_vers -productVersion), Node.js $(node --version)" ;;
+    *)
+        machine="$(sed -n 's/^model name[[:space:]]*: //p' /proc/cpuinfo | head -n 1), $cores cores, \
 $(awk '/MemTotal/ { printf "%.0f GiB", $2 / 1048576 }' /proc/meminfo); \
-$(. /etc/os-release && echo "$PRETTY_NAME"), Linux $(uname -r), Node.js $(node --version)"
+$(. /etc/os-release && echo "$PRETTY_NAME"), Linux $(uname -r), Node.js $(node --version)" ;;
+esac
 awk -F'\t' -v machine="$machine" -v date="$(date -u +%Y-%m-%d)" '
     function ratio(a, b) { return b > 0 ? sprintf("%.1f×", a / b) : "" }
     function fixed(x) { return x >= 100 ? sprintf("%.0f", x) : x >= 10 ? sprintf("%.1f", x) : sprintf("%.2f", x) }
@@ -182,7 +190,7 @@ awk -F'\t' "$short"' NR > 1 && $1 == "server" { printf "\"%s\" %s %s %s\n", name
 gnuplot <<EOF
 set terminal pngcairo size 1500,520 font "DejaVu Sans,10"
 set output "$report/chart.png"
-set multiplot layout 1,3 title "orvo-agent-mcp beside other hooks and MCP servers ($(date -u +%Y-%m-%d), $(nproc) cores; logarithmic scales)"
+set multiplot layout 1,3 title "orvo-agent-mcp beside other hooks and MCP servers ($(date -u +%Y-%m-%d), $cores cores; logarithmic scales)"
 set style fill solid 0.85 border -1
 set boxwidth 0.6
 set logscale y
