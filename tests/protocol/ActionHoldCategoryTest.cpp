@@ -7,11 +7,7 @@
 namespace orvo {
 namespace {
 
-TEST(ActionHoldCategoryTest, RawValuesReadBackOnlyWhenSpelledExactly) {
-    for (ActionHoldCategory category : kAllActionHoldCategories) {
-        EXPECT_EQ(parseActionHoldCategory(rawValue(category)), category);
-    }
-    EXPECT_EQ(rawValue(ActionHoldCategory::on_screen), "on_screen");
+TEST(ActionHoldCategoryTest, RawValuesReadOnlyWhenSpelledExactly) {
     for (std::string_view other : {"On_Screen", "on-screen", "", " deleting", "agent_prompt"}) {
         SCOPED_TRACE(other);
         EXPECT_EQ(parseActionHoldCategory(other), std::nullopt);

@@ -8,8 +8,6 @@ namespace {
 // The app finds these files at the same places, so a moved file is a lost log.
 TEST(ActivityLogFilesTest, EveryLogLivesUnderTheGivenHome) {
     const std::filesystem::path home = "/home/someone";
-    EXPECT_EQ(ActivityLogFiles::contextReads(home),
-              home / ".config/orvo-agent/mcp-context-reads.jsonl");
     EXPECT_EQ(ActivityLogFiles::assistantHistory(home),
               home / ".config/orvo-agent/assistant-history.jsonl");
     EXPECT_EQ(ActivityLogFiles::assistantHistoryDatabase(home),

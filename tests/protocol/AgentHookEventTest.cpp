@@ -9,46 +9,41 @@ namespace orvo {
 namespace {
 
 AgentHookEvent fullEvent() {
-    AgentHookEvent event;
-    event.provider = AgentHookProvider::codex;
-    event.kind = AgentHookKind::stop;
-    event.sessionID = "s-1";
-    event.turnID = "t-2";
-    event.eventID = "e-3";
-    event.cwd = "/Users/me/repo";
-    event.host.tty = "/dev/ttys004";
-    event.host.ancestors = {{4242, 4000, "/bin/zsh", "/dev/ttys004", 1700000000.25},
-                            {4000, 1, std::nullopt, std::nullopt, std::nullopt}};
-    event.host.environment = {{"TERM_PROGRAM", "quarn"}, {"TMUX_PANE", "%3"}};
-    event.host.terminalProgram = "quarn";
-    event.host.appPID = 812;
-    event.host.appBundleID = "com.example.term";
-    event.timestamp = 1700000123.5;
-    event.finalMessage = "Done: é🙂";
-    event.permissionDescription = "Run git push";
-    event.failure = "none";
-    return event;
+    return {.provider = AgentHookProvider::codex,
+            .kind = AgentHookKind::stop,
+            .sessionID = "s-1",
+            .turnID = "t-2",
+            .eventID = "e-3",
+            .cwd = "/Users/me/repo",
+            .host = {.tty = "/dev/ttys004",
+                     .ancestors = {{4242, 4000, "/bin/zsh", "/dev/ttys004", 1700000000.25},
+                                   {4000, 1, std::nullopt, std::nullopt, std::nullopt}},
+                     .environment = {{"TERM_PROGRAM", "quarn"}, {"TMUX_PANE", "%3"}},
+                     .terminalProgram = "quarn",
+                     .appPID = 812,
+                     .appBundleID = "com.example.term"},
+            .timestamp = 1700000123.5,
+            .finalMessage = "Done: é🙂",
+            .permissionDescription = "Run git push",
+            .failure = "none"};
 }
 
-TEST(AgentHookEventTest, RawValuesRoundTripOnlyWhenSpelledExactly) {
-    for (AgentHookProvider provider : kAllAgentHookProviders) {
-        EXPECT_EQ(parseAgentHookProvider(rawValue(provider)), provider);
-    }
+TEST(AgentHookEventTest, KindsRoundTripOnlyWhenSpelledExactly) {
     for (AgentHookKind kind : kAllAgentHookKinds) {
         EXPECT_EQ(parseAgentHookKind(rawValue(kind)), kind);
     }
     EXPECT_EQ(rawValue(AgentHookKind::userPromptSubmit), "userPromptSubmit");
     EXPECT_EQ(rawValue(AgentHookKind::permissionRequest), "permissionRequest");
-    EXPECT_EQ(parseAgentHookProvider("Claude"), std::nullopt);
     EXPECT_EQ(parseAgentHookKind("session_start"), std::nullopt);
 }
 
+// Only the allowed environment keys travel, either way: the secret is not written, HOME not read.
 TEST(AgentHookEventTest, EncodesKeysInFieldOrderAndReadsBackEqual) {
-    const AgentHookEvent event = fullEvent();
-    const std::optional<std::string> text = event.encode();
-    ASSERT_TRUE(text);
+    AgentHookEvent event = fullEvent();
+    event.host.environment["AWS_SECRET_ACCESS_KEY"] = "x";
+    const std::string text = event.encode().value_or("");
     EXPECT_EQ(
-        *text,
+        text,
         R"({"schemaVersion":1,"provider":"codex","kind":"stop","sessionID":"s-1",)"
         R"("turnID":"t-2","eventID":"e-3","cwd":"/Users/me/repo","host":{"tty":"/dev/ttys004",)"
         R"("ancestors":[{"pid":4242,"parentPID":4000,"executablePath":"/bin/zsh",)"
@@ -57,7 +52,9 @@ TEST(AgentHookEventTest, EncodesKeysInFieldOrderAndReadsBackEqual) {
         R"("appPID":812,"appBundleID":"com.example.term"},"timestamp":1700000123.5,)"
         R"("finalMessage":"Done: é🙂","permissionDescription":"Run git push",)"
         R"("failure":"none","finalMessageTruncated":false})");
-    EXPECT_EQ(AgentHookEvent::decode(*text), event);
+    std::string withHome = text;
+    withHome.replace(withHome.find("\"TERM_PROGRAM\""), 0, R"("HOME":"/Users/me",)");
+    EXPECT_EQ(AgentHookEvent::decode(withHome), fullEvent());
 }
 
 TEST(AgentHookEventTest, EventWithoutOptionalFieldsRoundTrips) {
@@ -79,41 +76,22 @@ TEST(AgentHookEventTest, EventWithoutOptionalFieldsRoundTrips) {
               event);
 }
 
-TEST(AgentHookEventTest, OnlyAllowedEnvironmentKeysTravel) {
-    EXPECT_TRUE(AgentHookWire::isAllowedEnvironmentKey("__CFBundleIdentifier"));
-    EXPECT_TRUE(AgentHookWire::isAllowedEnvironmentKey("QUARN_PANE_ID"));
-    EXPECT_FALSE(AgentHookWire::isAllowedEnvironmentKey("HOME"));
-    EXPECT_FALSE(AgentHookWire::isAllowedEnvironmentKey("tmux"));
-
-    AgentHookEvent event = fullEvent();
-    event.host.environment["AWS_SECRET_ACCESS_KEY"] = "x";
-    const std::optional<std::string> text = event.encode();
-    ASSERT_TRUE(text);
-    EXPECT_EQ(text->find("AWS_SECRET"), std::string::npos);
-    std::string withSecret = *text;
-    withSecret.replace(withSecret.find("\"TERM_PROGRAM\""), 0, R"("HOME":"/Users/me",)");
-    std::optional<AgentHookEvent> decoded = AgentHookEvent::decode(withSecret);
-    ASSERT_TRUE(decoded);
-    EXPECT_EQ(decoded->host.environment, fullEvent().host.environment);
-}
-
 TEST(AgentHookEventTest, FinalMessageIsCutToItsLimitOnACharacterBoundary) {
+    const std::string limit(AgentHookWire::kMaxFinalMessageBytes, 'a');
     AgentHookEvent event = fullEvent();
-    event.setFinalMessage(std::string(AgentHookWire::kMaxFinalMessageBytes, 'a'));
+    event.setFinalMessage(limit);
     EXPECT_FALSE(event.finalMessageTruncated);
-    EXPECT_EQ(event.finalMessage->size(), AgentHookWire::kMaxFinalMessageBytes);
+    EXPECT_EQ(event.finalMessage, limit);
 
     // A two-byte character straddles the limit: it goes whole.
-    event.setFinalMessage(std::string(AgentHookWire::kMaxFinalMessageBytes - 1, 'a') + "é");
+    const std::string straddling = limit.substr(1) + "é";
+    event.setFinalMessage(straddling);
     EXPECT_TRUE(event.finalMessageTruncated);
-    EXPECT_EQ(*event.finalMessage, std::string(AgentHookWire::kMaxFinalMessageBytes - 1, 'a'));
-    const std::optional<std::string> text = event.encode();
-    ASSERT_TRUE(text);
-    EXPECT_EQ(AgentHookEvent::decode(*text), event);
+    EXPECT_EQ(event.finalMessage, limit.substr(1));
 
     // Assigned past the setter, the message is cut when it is written.
     AgentHookEvent assigned = fullEvent();
-    assigned.finalMessage = std::string(AgentHookWire::kMaxFinalMessageBytes - 1, 'a') + "é";
+    assigned.finalMessage = straddling;
     EXPECT_EQ(AgentHookEvent::decode(assigned.encode().value_or("")), event);
 }
 
@@ -129,19 +107,18 @@ TEST(AgentHookEventTest, OversizedEventsAreNeitherWrittenNorRead) {
               std::nullopt);
 
     // Nor are events whose times JSON cannot hold, nor text that is not UTF-8.
-    for (const double time : {std::nan(""), std::numeric_limits<double>::infinity()}) {
-        AgentHookEvent timed = fullEvent();
-        timed.timestamp = time;
-        EXPECT_EQ(timed.encode(), std::nullopt);
-        timed = fullEvent();
-        timed.host.ancestors[1].startTime = -time;
-        EXPECT_EQ(timed.encode(), std::nullopt);
-    }
-    AgentHookEvent garbled = fullEvent();
-    garbled.cwd = "/Users/caf\xE9";
-    EXPECT_EQ(garbled.encode(), std::nullopt);
+    AgentHookEvent unwritable = fullEvent();
+    unwritable.timestamp = std::nan("");
+    EXPECT_EQ(unwritable.encode(), std::nullopt);
+    unwritable = fullEvent();
+    unwritable.host.ancestors[1].startTime = -std::numeric_limits<double>::infinity();
+    EXPECT_EQ(unwritable.encode(), std::nullopt);
+    unwritable = fullEvent();
+    unwritable.cwd = "/Users/caf\xE9";
+    EXPECT_EQ(unwritable.encode(), std::nullopt);
 }
 
+// Field types are the typed reader's to check; these are the event's own shapes.
 TEST(AgentHookEventTest, DecodingRejectsMissingAndMistypedFields) {
     const std::string valid = *fullEvent().encode();
     const struct {
@@ -150,21 +127,14 @@ TEST(AgentHookEventTest, DecodingRejectsMissingAndMistypedFields) {
     } edits[] = {
         {R"("sessionID":"s-1",)", ""},
         {R"("provider":"codex")", R"("provider":"Codex")"},
-        {R"("timestamp":1700000123.5)", R"("timestamp":"now")"},
-        {R"("turnID":"t-2")", R"("turnID":2)"},
-        {R"("pid":4242)", R"("pid":4242.5)"},
         {R"("pid":4242)", R"("pid":2147483648)"},
         {R"("TMUX_PANE":"%3")", R"("TMUX_PANE":3)"},
         {R"("ancestors":[)", R"("ancestors":[1,)"},
-        {R"("finalMessageTruncated":false)", R"("finalMessageTruncated":0)"},
-        {R"("schemaVersion":1)", R"("schemaVersion":"1")"},
     };
     for (const auto& edit : edits) {
         SCOPED_TRACE(edit.from + " -> " + edit.to);
         std::string text = valid;
-        const std::size_t at = text.find(edit.from);
-        ASSERT_NE(at, std::string::npos);
-        text.replace(at, edit.from.size(), edit.to);
+        text.replace(text.find(edit.from), edit.from.size(), edit.to);
         EXPECT_EQ(AgentHookEvent::decode(text), std::nullopt);
     }
     EXPECT_EQ(AgentHookEvent::decode("[]"), std::nullopt);

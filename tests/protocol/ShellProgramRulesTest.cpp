@@ -1,5 +1,4 @@
-// Every program rule of the shell-command classifier, each branch with held and not-held
-// neighbours.
+// Every program rule of the shell-command classifier: each branch, held and not held.
 #include "protocol/ShellProgramRules.h"
 
 #include <gtest/gtest.h>
@@ -15,29 +14,21 @@ struct Case {
     std::string_view held;  // heldActionText of the result; empty when nothing is held
 };
 
-// Each command is one simple command, so every match carries the command as its detail.
 void expectHeld(std::initializer_list<Case> cases) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.command);
-        const std::vector<ActionHoldMatch> matches =
-            ActionHoldClassifier::classifyCommand(c.command);
-        EXPECT_EQ(heldActionText(matches), c.held);
-        for (const ActionHoldMatch& match : matches) {
-            EXPECT_EQ(match.detail, c.command);
-        }
+        EXPECT_EQ(heldActionText(ActionHoldClassifier::classifyCommand(c.command)), c.held);
     }
 }
 
 constexpr std::string_view kPush = "publishing|Pushing the branch|Push the branch";
 constexpr std::string_view kForcePush = "publishing|Force-pushing the branch|Force-push the branch";
-constexpr std::string_view kDeleteRemote =
-    "deleting|Deleting a remote branch|Delete a remote branch";
-constexpr std::string_view kDiscardLocal =
-    "deleting|Discarding local changes|Discard local changes";
+constexpr std::string_view kRemote = "deleting|Deleting a remote branch|Delete a remote branch";
+constexpr std::string_view kDiscard = "deleting|Discarding local changes|Discard local changes";
 constexpr std::string_view kDiscardFiles = "deleting|Discarding file changes|Discard file changes";
 constexpr std::string_view kDeleteBranch = "deleting|Deleting a branch|Delete a branch";
-constexpr std::string_view kPublishPackage =
-    "publishing|Publishing the package|Publish the package";
+constexpr std::string_view kPublish = "publishing|Publishing the package|Publish the package";
+constexpr std::string_view kUnpublish = "publishing|Unpublishing the package|Unpublish the package";
 constexpr std::string_view kCloudflare = "publishing|Deploying to Cloudflare|Deploy to Cloudflare";
 constexpr std::string_view kRelease = "publishing|Running the release|Run the release";
 constexpr std::string_view kDeployProject = "publishing|Deploying the project|Deploy the project";
@@ -51,37 +42,30 @@ TEST(ShellProgramRulesTest, Git) {
         {"git -C ../repo -c push.default=current --git-dir=.git push", kPush},
         {"git push origin :", kPush},
         {"git push -fn", ""},
-        {"git push --delete origin topic", kDeleteRemote},
-        {"git push -d origin topic", kDeleteRemote},
-        {"git push origin :topic", kDeleteRemote},
-        {"git push --force origin :topic", kDeleteRemote},
+        {"git push --delete origin topic", kRemote},
+        {"git push -d origin topic", kRemote},
+        {"git push --force origin :topic", kRemote},
         {"git push -uf origin main", kForcePush},
         {"git push --force-with-lease=main:abc origin", kForcePush},
         {"git push origin +main", kForcePush},
-        {"git reset --hard HEAD~1", kDiscardLocal},
-        {"git reset --soft HEAD~1", ""},
+        {"git reset --hard HEAD~1", kDiscard},
         {"git clean -fd", "deleting|Deleting untracked files|Delete untracked files"},
         {"git clean -fn", ""},
         {"git clean -d", ""},
         {"git branch -D topic", kDeleteBranch},
+        {"git branch -d -f topic", kDeleteBranch},
         {"git branch -d topic", ""},
         {"git branch -f topic main", ""},
-        {"git switch --discard-changes main", kDiscardLocal},
-        {"git switch -c topic", ""},
-        {"git checkout -f main", kDiscardLocal},
+        {"git switch --discard-changes main", kDiscard},
+        {"git checkout -f main", kDiscard},
         {"git checkout .", kDiscardFiles},
         {"git checkout -- src/a.c", kDiscardFiles},
-        {"git checkout main", ""},
         {"git checkout main --", ""},
-        {"git restore src/a.c", kDiscardFiles},
         {"git restore --staged --worktree a.c", kDiscardFiles},
         {"git restore -S a.c", ""},
         {"git restore --source=HEAD", ""},
         {"git stash clear", "deleting|Dropping a stash|Drop a stash"},
-        {"git stash pop", ""},
         {"git worktree remove ../wt", "deleting|Deleting a worktree|Delete a worktree"},
-        {"git worktree add ../wt", ""},
-        {"git commit -m 'git push --force'", ""},
         {"git -C repo", ""},
     });
 }
@@ -90,25 +74,19 @@ TEST(ShellProgramRulesTest, GitHub) {
     expectHeld({
         {"gh pr create --fill", "publishing|Opening a pull request|Open a pull request"},
         {"gh issue comment 3 -b hi", "messages|Posting a GitHub comment|Post a GitHub comment"},
-        {"gh issue close 3", "services|Changing an issue|Change an issue"},
         {"gh repo delete o/r --yes", "deleting|Deleting a GitHub repo|Delete a GitHub repo"},
-        {"gh pr view 12", ""},
         {"gh create pr", ""},
-        {"gh pr", ""},
         {"gh", ""},
         // gh api writes by its method, its body, or a GraphQL mutation.
         {"gh api repos/o/r", ""},
         {"gh api repos/o/r/issues -f title=x", kGitHubAPI},
-        {"gh api repos/o/r/issues --raw-field=title=x", kGitHubAPI},
         {"gh api repos/o/r/issues -Ftitle=x", kGitHubAPI},
-        {"gh api repos/o/r/issues --input body.json", kGitHubAPI},
         {"gh api -X DELETE repos/o/r/git/refs/heads/x", kGitHubAPI},
         {"gh api --method=PATCH repos/o/r", kGitHubAPI},
         {"gh api --method put repos/o/r/topics", kGitHubAPI},
         {"gh api --method GET search/issues -f q=bug", ""},
         {"gh api -H 'Accept: x' --jq .name -t '{{.}}' repos/o/r", ""},
-        {"gh api graphql -f query='mutation { addStar(input: {}) { clientMutationId } }'",
-         kGitHubAPI},
+        {"gh api graphql -f query='mutation { addStar }'", kGitHubAPI},
         {"gh api /graphql -f query=mutation{x}", kGitHubAPI},
         {"gh api graphql -f query='query { viewer { login } }'", ""},
         {"gh api graphql -X POST -f query='{ mutations }'", ""},
@@ -118,16 +96,18 @@ TEST(ShellProgramRulesTest, GitHub) {
 
 TEST(ShellProgramRulesTest, PackagePublishing) {
     expectHeld({
-        {"npm publish", kPublishPackage},
-        {"pnpm --filter web publish --access public", kPublishPackage},
+        {"npm publish", kPublish},
         {"npm --prefix publish install", ""},
-        {"twine upload dist/*", kPublishPackage},
-        {"gem push orvo.gem", kPublishPackage},
-        {"yarn npm publish", kPublishPackage},
-        {"npm run deploy", kPublishPackage},
-        {"npm run-script release:patch", kPublishPackage},
-        {"pnpm -C web run Deploy", kPublishPackage},
-        {"yarn release", kPublishPackage},
+        {"twine upload dist/*", kPublish},
+        {"gem push orvo.gem", kPublish},
+        {"yarn npm publish", kPublish},
+        {"npm unpublish pkg@1.0.0", kUnpublish},
+        {"yarn npm unpublish", kUnpublish},
+        {"cargo yank --version 1.0.0", kUnpublish},
+        {"npm run deploy", kPublish},
+        {"npm run-script release:patch", kPublish},
+        {"pnpm -C web run Deploy", kPublish},
+        {"yarn release", kPublish},
         {"npm run build", ""},
         {"npm release", ""},
         {"cargo run release", ""},
@@ -149,13 +129,11 @@ TEST(ShellProgramRulesTest, ReleaseTargetsAndScriptsByName) {
          "name that goes on and"},
         {"make -f deploy.mk -C release build", ""},
         {"make build RELEASE=1", ""},
-        {"./deploy.sh", kDeployProject},
         {"./scripts/deploy-prod.sh", "publishing|Deploying prod|Deploy prod"},
         {"release.sh", kRelease},
         {"publish-site", "publishing|Publishing site|Publish site"},
         {"./deploy.rb", kDeployProject},
         {"deploy.rb", ""},
-        {"./build.sh", ""},
         {"bash deploy.sh", kDeployProject},
         {"python -u -W ignore publish_site.py", "publishing|Publishing site|Publish site"},
         {"python3.12 release.py", kRelease},
@@ -164,46 +142,45 @@ TEST(ShellProgramRulesTest, ReleaseTargetsAndScriptsByName) {
     });
 }
 
+// ".." could climb out of a place that is safe to delete.
 TEST(ShellProgramRulesTest, RecursiveDeletionOutsideBuildAndTemporaryPlaces) {
     expectHeld({
         {"rm -rf src", kDeleteFiles},
-        {"rm -R src", kDeleteFiles},
         {"rm --recursive src", kDeleteFiles},
+        {"rm -R src", kDeleteFiles},
         {"rm src -fr", kDeleteFiles},
         {"rm -rf node_modules src", kDeleteFiles},
         {"rm -rf /tmp", kDeleteFiles},
         {"rm -rf buildings", kDeleteFiles},
+        {"rm -rf node_modules/../src", kDeleteFiles},
         {"rm -rf -- -weird", kDeleteFiles},
         {"rm src/a.txt", ""},
         {"rm -rf", ""},
         {"rm -rf ./build/ dist packages/web/.next", ""},
         {"rm -rf /tmp/x /var/folders/ab/z \"$TMPDIR/x\" ${TMPDIR:-/tmp}/y", ""},
         {"find . -name '*.log' -delete", kDeleteFiles},
-        {"find . -type f -exec rm -f {} +", kDeleteFiles},
         {"find . -execdir /bin/rm {} \\;", kDeleteFiles},
         {"find -delete", kDeleteFiles},
         {"find /tmp/x . -delete", kDeleteFiles},
+        {"find /tmp/../etc -delete", kDeleteFiles},
         {"find -L $TMPDIR/x /var/folders/y -delete", ""},
         {"find . -exec cat {} \\;", ""},
     });
 }
 
 TEST(ShellProgramRulesTest, WorkspaceToolTmuxAndAppleScript) {
+    constexpr std::string_view kQuit = "closing|Quitting an app|Quit an app";
     constexpr std::string_view kCloseWindow = "closing|Closing a window|Close a window";
-    constexpr std::string_view kTmux = "closing|Closing a tmux session|Close a tmux session";
     expectHeld({
         {"quarn pane close", "closing|Closing a pane|Close a pane"},
         {"quarn agent prompt a 'fix it'",
          "agent_prompts|Sending instructions to an agent|Send instructions to an agent"},
-        {"quarn pane list", ""},
         {"quarn close pane", ""},
         {"quarn pane", ""},
-        {"tmux kill-session -t x", kTmux},
-        {"tmux -L sock kill-server", kTmux},
+        {"tmux -L sock kill-server", "closing|Closing a tmux session|Close a tmux session"},
         {"tmux send-keys -t x kill-server", ""},
-        {"osascript -e 'tell application \"Safari\" to quit'",
-         "closing|Quitting an app|Quit an app"},
-        {"osascript -e 'QUIT APP \"Mail\"'", "closing|Quitting an app|Quit an app"},
+        {"osascript -e 'tell application \"Safari\" to quit'", kQuit},
+        {"osascript -e 'QUIT APP \"Mail\"'", kQuit},
         {"osascript -e 'tell application \"Finder\" to close every window'", kCloseWindow},
         {"osascript -e 'tell app \"Terminal\"' -e 'close window 1' -e 'end tell'", kCloseWindow},
         {"osascript -e 'display dialog \"quitting soon\"'", ""},
@@ -218,26 +195,19 @@ TEST(ShellProgramRulesTest, WebRequestsThatWriteToOtherHosts) {
         {"curl -sSd a=1 https://api.example.com", kWebRequest},
         {"curl --data-urlencode q=x https://api.example.com", kWebRequest},
         {"curl --json '{}' https://api.example.com", kWebRequest},
-        {"curl -T a.bin https://api.example.com", kWebRequest},
-        {"curl -X POST \"$API_URL/items\"", kWebRequest},
         {"curl -X POST -H 'Host: localhost' https://api.example.com", kWebRequest},
         {"curl -X POST http://localhost:3000 https://api.example.com", kWebRequest},
         {"curl -fsSL -o out.html -H 'X-Data: 1' https://example.com", ""},
         {"curl -G -d q=1 https://api.example.com", ""},
-        {"curl -I https://api.example.com", ""},
         {"curl -X GET -d x https://api.example.com", ""},
-        {"curl -X POST http://localhost:3000/api", ""},
         {"curl -d x http://127.0.0.1:8080", ""},
         {"curl -d x http://[::1]:3000/x", ""},
         {"curl -d x http://user@0.0.0.0/x", ""},
         {"curl -d x -H 'Content-Type: a/b' LOCALHOST:8080/api", ""},
         {"wget --post-data=x https://api.example.com", kWebRequest},
-        {"wget --method=PUT https://api.example.com/x", kWebRequest},
         {"wget https://example.com/a.tar.gz", ""},
         {"wget -O out.html --post-data=x http://localhost/x", ""},
-        {"http POST api.example.com", kWebRequest},
-        {"xh post api.example.com", kWebRequest},
-        {"http --auth user:pass PUT api.example.com", kWebRequest},
+        {"http --auth user:pass put api.example.com", kWebRequest},
         {"http api.example.com name=x", kWebRequest},
         {"xh api.example.com tags:='[1]'", kWebRequest},
         {"http api.example.com q==x X-Token:abc", ""},

@@ -7,23 +7,25 @@ namespace {
 
 using Words = std::vector<std::string>;
 
+// Each command's words, the first marked "|" when a pipe feeds the command.
 std::vector<Words> wordsOf(std::string_view text) {
     std::vector<Words> out;
     for (const ShellSegment& segment : splitShellSegments(text)) {
-        out.push_back(segment.words);
+        out.push_back(segment.pipedInput ? Words{"|"} : Words{});
+        out.back().insert(out.back().end(), segment.words.begin(), segment.words.end());
     }
     return out;
 }
 
 // Separators cut only outside quotes and substitutions; redirections and their targets are not
-// words.
+// words, and words lose their quotes. What is left open runs to the end.
 TEST(ShellSegmentTest, SplitsIntoCommandsOfWords) {
     const struct {
         std::string_view text;
         std::vector<Words> segments;
     } cases[] = {
         {"a 1 && b || c; d | e & f\ng |& h",
-         {{"a", "1"}, {"b"}, {"c"}, {"d"}, {"e"}, {"f"}, {"g"}, {"h"}}},
+         {{"a", "1"}, {"b"}, {"c"}, {"d"}, {"|", "e"}, {"f"}, {"g"}, {"|", "h"}}},
         {"(cd x && git push)", {{"cd", "x"}, {"git", "push"}}},
         {"echo 'a;b' \"c|d\" e\\&f", {{"echo", "a;b", "c|d", "e&f"}}},
         {"x=$(a; b | c) y", {{"x=$(a; b | c)", "y"}}},
@@ -35,12 +37,17 @@ TEST(ShellSegmentTest, SplitsIntoCommandsOfWords) {
         {"ls # git push; rm -rf /\nwhoami", {{"ls"}, {"whoami"}}},
         {"echo a#b", {{"echo", "a#b"}}},
         {";; \n & ", {}},
-        {"git push >/dev/null 2>&1", {{"git", "push"}}},
         {"rm -rf build 2> err.log < in.txt", {{"rm", "-rf", "build"}}},
         {"make deploy &> log; ls", {{"make", "deploy"}, {"ls"}}},
         {"cmd >> out 1>&2 {fd}>x >| y <> z", {{"cmd"}}},
         {"echo a>b c", {{"echo", "a", "c"}}},
         {"echo \"2\">x", {{"echo", "2"}}},
+        {"'git' \"push\" g\"i\"t'' \"\"", {{"git", "push", "git", ""}}},
+        {"\"a b\" a\\ b", {{"a b", "a b"}}},
+        {"\"\\$x \\\" \\n\"", {{"$x \" \\n"}}},
+        {"$'a\\tb\\'c' $\"d\"", {{"a\tb'c", "d"}}},
+        {"echo 'unterminated; rm", {{"echo", "unterminated; rm"}}},
+        {"echo \"open $(git push", {{"echo", "open $(git push"}}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
@@ -48,42 +55,13 @@ TEST(ShellSegmentTest, SplitsIntoCommandsOfWords) {
     }
 }
 
-TEST(ShellSegmentTest, PipesMarkTheCommandTheyFeed) {
-    std::vector<bool> piped;
-    for (const ShellSegment& segment : splitShellSegments("a | b || c |& d; e")) {
-        piped.push_back(segment.pipedInput);
-    }
-    EXPECT_EQ(piped, (std::vector<bool>{false, true, false, true, false}));
-}
+// Substitutions are recorded where the shell runs them; here-documents belong to the command
+// that reads them.
+TEST(ShellSegmentTest, RecordsSubstitutionsAndHereDocuments) {
+    EXPECT_EQ(splitShellSegments("x=$(git push) \"$(rm -rf a)\" '$(not run)' `b` <(c) $((1+2))")[0]
+                  .substitutions,
+              (std::vector<std::string_view>{"git push", "rm -rf a", "b", "c", "(1+2)"}));
 
-TEST(ShellSegmentTest, WordsLoseTheirQuotesAndJoinTheirPieces) {
-    const struct {
-        std::string_view text;
-        Words words;
-    } cases[] = {
-        {"'git' \"push\" g\"i\"t'' \"\"", {"git", "push", "git", ""}},
-        {"\"a b\" a\\ b", {"a b", "a b"}},
-        {"\"\\$x \\\" \\n\"", {"$x \" \\n"}},
-        {"$'a\\tb\\'c' $\"d\"", {"a\tb'c", "d"}},
-        {"echo 'unterminated; rm", {"echo", "unterminated; rm"}},
-        {"echo \"open $(git push", {"echo", "open $(git push"}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.text);
-        const std::vector<ShellSegment> segments = splitShellSegments(c.text);
-        ASSERT_EQ(segments.size(), 1u);
-        EXPECT_EQ(segments[0].words, c.words);
-    }
-}
-
-TEST(ShellSegmentTest, SubstitutionsAreRecordedWhereTheShellRunsThem) {
-    const ShellSegment segment =
-        splitShellSegments("x=$(git push) \"$(rm -rf a)\" '$(not run)' `b` <(c) $((1+2))")[0];
-    const std::vector<std::string_view> expected = {"git push", "rm -rf a", "b", "c", "(1+2)"};
-    EXPECT_EQ(segment.substitutions, expected);
-}
-
-TEST(ShellSegmentTest, HereDocumentsBelongToTheCommandThatReadsThem) {
     const std::vector<ShellSegment> segments = splitShellSegments(
         "bash <<EOF\ngit push; rm -rf x\n$(y)\nEOF\nls <<-'END' | wc\n\tz\n\tEND\necho "
         "<<< \"git push\"");
