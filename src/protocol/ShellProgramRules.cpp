@@ -98,10 +98,12 @@ std::string nameObject(std::string_view rest) {
             object.push_back(' ');
         }
     }
+    // Cut first, so that a cut just after a separator leaves no space at the end either.
+    object.resize(prefixGraphemes(object, kMaxCharacters).size());
     while (!object.empty() && object.back() == ' ') {
         object.pop_back();
     }
-    return object.empty() ? "the project" : std::string(prefixGraphemes(object, kMaxCharacters));
+    return object.empty() ? "the project" : object;
 }
 
 std::optional<HeldAction> publishingByName(std::string_view name) {

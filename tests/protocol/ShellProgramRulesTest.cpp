@@ -124,9 +124,10 @@ TEST(ShellProgramRulesTest, ReleaseTargetsAndScriptsByName) {
         {"make -j 4 build deploy-staging", "publishing|Deploying staging|Deploy staging"},
         {"make Deploy:web.prod", "publishing|Deploying web prod|Deploy web prod"},
         {"make deployment", kDeployProject},
-        {"make deploy-a-very-long-target-name-that-goes-on-and-on-and-on",
-         "publishing|Deploying a very long target name that goes on and|Deploy a very long target "
-         "name that goes on and"},
+        // Cut at 40 characters, just after a separator.
+        {"make deploy-a-very-long-target-name-that-goes-ahead-and-on",
+         "publishing|Deploying a very long target name that goes ahead|Deploy a very long target "
+         "name that goes ahead"},
         {"make -f deploy.mk -C release build", ""},
         {"make build RELEASE=1", ""},
         {"./scripts/deploy-prod.sh", "publishing|Deploying prod|Deploy prod"},
