@@ -11,6 +11,7 @@ namespace orvo {
 namespace {
 
 using namespace std::chrono_literals;
+using Lines = std::vector<std::string>;
 
 const std::string kForcePush =
     R"({"tool_name":"Bash","tool_input":{"command":"git push --force origin main"}})";
@@ -26,11 +27,9 @@ std::string denial(std::string_view reason) {
 
 class ActionHoldHookTest : public ::testing::Test {
 protected:
-    HookResult run(
-        std::string_view input, std::optional<std::string> token = std::nullopt,
-        std::function<bool()> agentStillThere = [] { return true; }) {
+    HookResult run(std::string_view input, const std::string& token) const {
         const AppClient app(AppClientOptions{home_.path(), "claude", false, {}});
-        return runHook(input, app, token, HoldWait{20ms, 400ms, std::move(agentStillThere)});
+        return runHook(input, app, token, HoldWait{20ms, 400ms, {}});
     }
     std::filesystem::path socketPath() const { return MCPSocketPath::resolve(home_.path()); }
     test::TempDir home_;
@@ -41,36 +40,29 @@ TEST_F(ActionHoldHookTest, EveryOutcomeOfTheExchange) {
     // that answers late.
     test::FakeReply late = test::successReply({{"decision", "allow"}});
     late.delay = 1s;
+    const std::string allow = R"({"ok":true,"result":{"decision":"allow")";
+    const std::string notObject = "malformed reply: response was not a JSON object";
     const struct {
         test::FakeReply reply;
         const char* denied;  // the reason shown; null when the call may run
-        std::string log;
+        std::string log;     // for a call refused for want of an answer, before "; not running it"
     } cases[] = {
         {test::successReply({{"decision", "allow"}}), nullptr, ""},
         {test::successReply({{"decision", "deny"}, {"reason", "not now"}}), "not now", ""},
         {test::successReply({{"decision", "deny"}, {"reason", 7}}), "", ""},
         {test::errorReply("consent_denied", "Denied"), nullptr, "Denied; allowing"},
         {test::successReply({{"decision", "maybe"}}), kNotRun,
-         "unknown action hold decision maybe; not running it"},
-        {test::successReply({{"decided", "allow"}}), kNotRun,
-         "malformed action hold reply; not running it"},
-        {test::FakeReply{""}, kNotRun,
-         "the app closed the connection without a reply; not running it"},
-        {test::FakeReply{"nope"}, kNotRun,
-         "malformed reply: response was not a JSON object; not running it"},
-        {test::FakeReply{std::string(kMaxReplyBytes + 1, ' ')}, kNotRun,
-         "reply too large; not running it"},
-        {late, kNotRun, "no reply in time; not running it"},
+         "unknown action hold decision maybe"},
+        {test::successReply({{"decided", "allow"}}), kNotRun, "malformed action hold reply"},
+        {test::FakeReply{""}, kNotRun, "the app closed the connection without a reply"},
+        {test::FakeReply{"nope"}, kNotRun, notObject},
+        {test::FakeReply{std::string(kMaxReplyBytes + 1, ' ')}, kNotRun, "reply too large"},
+        {late, kNotRun, "no reply in time"},
         // A reply that is not wholly JSON refuses the call, whatever it starts with.
-        {test::FakeReply{std::string(R"({"ok":true,"result":{"decision":"allow"}})")
-                             .append(1, '\0')
-                             .append("garbage")},
-         kNotRun, "malformed reply: response was not a JSON object; not running it"},
-        {test::FakeReply{std::string(R"({"ok":true,"result":{"decision":"allow","x":)")
-                             .append(kMaxReplyDepth, '[')
-                             .append(kMaxReplyDepth, ']')
-                             .append("}}")},
-         kNotRun, "malformed reply: response was not a JSON object; not running it"},
+        {test::FakeReply{allow + "}}" + std::string(1, '\0') + "garbage"}, kNotRun, notObject},
+        {test::FakeReply{allow + ",\"x\":" + std::string(kMaxReplyDepth, '[') +
+                         std::string(kMaxReplyDepth, ']') + "}}"},
+         kNotRun, notObject},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.reply.bytes.substr(0, 80));
@@ -78,8 +70,8 @@ TEST_F(ActionHoldHookTest, EveryOutcomeOfTheExchange) {
         app.on("action_hold", c.reply);
         const HookResult result = run(kForcePush, "tok-1");
         EXPECT_EQ(result.output, c.denied ? denial(c.denied) : "");
-        EXPECT_EQ(result.logLines,
-                  c.log.empty() ? std::vector<std::string>{} : std::vector<std::string>{c.log});
+        const std::string log = c.denied == kNotRun ? c.log + "; not running it" : c.log;
+        EXPECT_EQ(result.logLines, log.empty() ? Lines{} : Lines{log});
         ASSERT_TRUE(app.waitForRequests(1));
         EXPECT_EQ(
             app.received()[0].line,
@@ -90,58 +82,37 @@ TEST_F(ActionHoldHookTest, EveryOutcomeOfTheExchange) {
 TEST_F(ActionHoldHookTest, AsksOnlyForHeldCallsAndLetsUnreadableInputThrough) {
     test::FakeApp app(socketPath());
     app.on("action_hold", test::successReply({{"decision", "allow"}}));
-    const auto withDeepField = [](std::size_t depth) {
-        return std::string(R"({"tool_name":"Bash","x":)")
-            .append(depth, '[')
-            .append(depth, ']')
+    // Depth in fields the classifier never reads is no reason to let a held call through.
+    const std::string deepField =
+        std::string(R"({"tool_name":"Bash","x":)")
+            .append(100000, '[')
+            .append(100000, ']')
             .append(R"(,"tool_input":{"command":"git push --force","y":{"z":[{}]}}})");
-    };
     const struct {
         std::string input;
-        std::vector<std::string> log;
+        bool unreadable;
         bool asked = false;
     } cases[] = {
-        {R"({"tool_name":"Read","tool_input":{"file_path":"/etc/hosts"}})", {}},
-        {R"({"tool_name":"Bash","tool_input":{"command":"git push --force -n"}})", {}},
-        {"not json", {"unreadable hook input; allowing"}},
-        {R"({"tool_name":"Bash","tool_input":"git push -f"})", {"unreadable hook input; allowing"}},
-        {std::string(1 << 20, '['), {"unreadable hook input; allowing"}},
-        {std::string(R"({"tool_name":"Read","tool_input":{}})").append(1, '\0') + kForcePush,
-         {"unreadable hook input; allowing"}},
-        // Depth in fields the classifier never reads is no reason to let a held call through.
-        {withDeepField(255), {}, true},
-        {withDeepField(100000), {}, true},
-        {withDeepField(100000).append("]"), {"unreadable hook input; allowing"}},
+        {R"({"tool_name":"Bash","tool_input":{"command":"git push --force -n"}})", false},
+        {"not json", true},
+        {R"({"tool_name":"Bash","tool_input":"git push -f"})", true},
+        {std::string(1 << 20, '['), true},
+        {std::string(R"({"tool_name":"Read","tool_input":{}})").append(1, '\0') + kForcePush, true},
+        {deepField, false, true},
+        {deepField + "]", true},
     };
     std::size_t asked = 0;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.input.substr(0, 80));
-        const HookResult result = run(c.input);
+        const HookResult result = run(c.input, "");
         EXPECT_EQ(result.output, "");
-        EXPECT_EQ(result.logLines, c.log);
+        EXPECT_EQ(result.logLines,
+                  c.unreadable ? Lines{"unreadable hook input; allowing"} : Lines{});
         asked += c.asked ? 1 : 0;
         EXPECT_TRUE(app.waitForRequests(asked));
         EXPECT_EQ(app.received().size(), asked);
     }
-}
-
-TEST_F(ActionHoldHookTest, FailsOpenWithoutTheAppAndQuietlyWhenTheAgentIsGone) {
-    HookResult result = run(kForcePush);
-    EXPECT_EQ(result.output, "");
-    EXPECT_EQ(result.logLines,
-              std::vector<std::string>{
-                  "Orvo app is not running \u2014 open the app and try again.; allowing"});
-
-    test::FakeApp app(socketPath());
-    test::FakeReply late = test::successReply({{"decision", "deny"}});
-    late.delay = 1s;
-    app.on("action_hold", late);
-    int checks = 0;
-    result = run(kForcePush, "", [&] { return ++checks < 3; });
-    EXPECT_EQ(result.output, "");
-    EXPECT_TRUE(result.logLines.empty());
-    ASSERT_TRUE(app.waitForFinished(1));
-    EXPECT_EQ(app.received()[0].request["args"].contains("token"), false);  // empty token left out
+    EXPECT_FALSE(app.received()[0].request["args"].contains("token"));  // an empty one is left out
 }
 
 }  // namespace

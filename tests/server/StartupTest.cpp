@@ -5,47 +5,42 @@
 namespace orvo {
 namespace {
 
-TEST(StartupTest, ReadsFlagsTheWayAgentsPassThem) {
+// The settings in words, so that a case is one line: the agent, then each switch that is on.
+std::string described(const StartupSettings& settings) {
+    return settings.agentName.value_or("(none)") + (settings.assistantOrigin ? " origin" : "") +
+           (settings.selection.readOnly ? " read-only" : "") + (settings.hookMode ? " hook" : "") +
+           (settings.audibleCue ? "" : " silent");
+}
+
+// Only "0" silences the activity cue; the assistant origin is any non-empty value.
+TEST(StartupTest, ReadsFlagsAndEnvironmentTheWayAgentsPassThem) {
     const MCPToolsets all = MCPToolsets::all();
-    const MCPToolsets some{MCPToolset::voice, MCPToolset::meetings};
     const struct {
         std::vector<std::string> flags;
-        const char* origin;
-        std::string agent;  // empty: none
-        bool assistantOrigin, readOnly, hook;
+        const char *origin, *audible;
+        std::string settings;
         MCPToolsets toolsets;
     } cases[] = {
-        {{}, nullptr, "", false, false, false, all},
-        {{"--agent"}, "1", "", true, false, false, all},
-        {{"--agent", "--read-only"}, "true", "--read-only", false, true, false, all},
-        {{"--agent", "claude", "--agent", "codex"}, "01", "claude", false, false, false, all},
-        {{"--toolsets", "voice,meetings", "--toolsets", "all"}, "", "", false, false, false, some},
-        {{"--read-only", "--toolsets"}, " 1", "", false, true, false, all},
-        {{"--unknown", "--action-hold-hook", "--READ-ONLY"}, nullptr, "", false, false, true, all},
+        {{}, nullptr, nullptr, "(none)", all},
+        {{"--agent"}, "1", "0", "(none) origin silent", all},
+        {{"--agent", "--read-only"}, "true", "", "--read-only read-only", all},
+        {{"--agent", "claude", "--agent", "codex"}, "01", "00", "claude", all},
+        {{"--toolsets", "voice,meetings", "--toolsets", "all"},
+         "",
+         " 0",
+         "(none)",
+         MCPToolsets{MCPToolset::voice, MCPToolset::meetings}},
+        {{"--read-only", "--toolsets"}, " 1", nullptr, "(none) read-only", all},
+        {{"--unknown", "--action-hold-hook", "--READ-ONLY"}, nullptr, nullptr, "(none) hook", all},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(::testing::PrintToString(c.flags));
         std::vector<std::string> arguments = {"orvo"};
         arguments.insert(arguments.end(), c.flags.begin(), c.flags.end());
-        const StartupSettings settings = readStartupSettings(arguments, c.origin, nullptr);
-        EXPECT_EQ(settings.agentName.value_or(""), c.agent);
-        EXPECT_EQ(settings.assistantOrigin, c.assistantOrigin);
-        EXPECT_EQ(settings.selection.assistantOrigin, c.assistantOrigin);
-        EXPECT_EQ(settings.selection.readOnly, c.readOnly);
-        EXPECT_EQ(settings.hookMode, c.hook);
+        const StartupSettings settings = readStartupSettings(arguments, c.origin, c.audible);
+        EXPECT_EQ(described(settings), c.settings);
+        EXPECT_EQ(settings.selection.assistantOrigin, settings.assistantOrigin);
         EXPECT_EQ(settings.selection.enabled, c.toolsets);
-    }
-}
-
-TEST(StartupTest, OnlyZeroSilencesTheActivityCue) {
-    const std::vector<std::string> arguments = {"orvo"};
-    const struct {
-        const char* value;
-        bool audible;
-    } cases[] = {{nullptr, true}, {"0", false}, {"", true}, {"00", true}, {" 0", true}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.value ? c.value : "(unset)");
-        EXPECT_EQ(readStartupSettings(arguments, nullptr, c.value).audibleCue, c.audible);
     }
 }
 

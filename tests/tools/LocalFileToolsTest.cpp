@@ -29,14 +29,13 @@ protected:
         return parsed(tool(name).call(arguments, context));
     }
     // The audit lines so far, without their time.
-    std::vector<json> records() {
+    json records() {
         EXPECT_TRUE(log_.drain(10s));
-        std::vector<json> lines;
+        json lines = json::array();
         for (const std::string& line :
              test::splitLines(test::readFile(home_.path() / "reads.jsonl").value_or(""))) {
-            json record = json::parse(line);
-            record.erase("ts");
-            lines.push_back(std::move(record));
+            lines.push_back(json::parse(line));
+            lines.back().erase("ts");
         }
         return lines;
     }
@@ -54,16 +53,13 @@ TEST_F(LocalFileToolsTest, EachContextReadLeavesOneRecordOfItsOutcome) {
     const json listed = call("list_dictionary", {{"limit", 1}});
     EXPECT_EQ(listed["total"], 2);
     EXPECT_EQ(call("current_settings")["repliesMuted"], false);  // not the user's context
-    EXPECT_EQ(records(),
-              (std::vector<json>{
-                  {{"tool", "remember_preference"}, {"result", "error: note is required"}},
-                  {{"tool", "remember_preference"}, {"result", "ok"}, {"output_bytes", 4}},
-                  {{"tool", "read_preferences"}, {"result", "ok"}, {"output_bytes", 4}},
-                  {{"tool", "list_dictionary"},
-                   {"result", "ok"},
-                   {"output_bytes", dumpPretty(listed).size()},
-                   {"entries", 1}},
-              }));
+    json expected = json::parse(R"([
+        {"tool":"remember_preference","result":"error: note is required"},
+        {"tool":"remember_preference","result":"ok","output_bytes":4},
+        {"tool":"read_preferences","result":"ok","output_bytes":4},
+        {"tool":"list_dictionary","result":"ok","entries":1}])");
+    expected[3]["output_bytes"] = dumpPretty(listed).size();
+    EXPECT_EQ(records(), expected);
 }
 
 TEST_F(LocalFileToolsTest, ListingArgumentsAreCheckedBeforeAnythingIsRead) {
@@ -100,24 +96,23 @@ TEST_F(LocalFileToolsTest, AugmentsComeFromBesideTheExecutableAndFromTheHome) {
                     "---\nname: Mine\n---\nx");
     ToolContext context{home_.path(), (install.path() / "bin/orvo-agent-mcp").string(), nullptr,
                         &log_};
+    // "source:id" of each augment listed, "+" when its directive is given, or the error.
     const auto names = [&](const json& arguments) {
         const json result = parsed(tool("list_augments").call(arguments, context));
-        std::vector<std::string> found;
+        std::string found = result.value("error", "");
         for (const json& augment : result.value("augments", json::array())) {
-            found.push_back(augment["source"].get<std::string>() + ":" +
-                            augment["id"].get<std::string>() +
-                            (augment.contains("directive") ? "+" : ""));
+            found.append(augment["source"]).append(":").append(augment["id"]);
+            found.append(augment.contains("directive") ? "+ " : " ");
         }
-        return result.contains("error") ? std::vector<std::string>{result["error"]} : found;
+        return found;
     };
-    EXPECT_EQ(names(json::object()), (std::vector<std::string>{"builtin:brief", "user:mine"}));
+    EXPECT_EQ(names(json::object()), "builtin:brief user:mine ");
     EXPECT_EQ(names({{"includeDirectives", true}, {"kind", nullptr}}),
-              (std::vector<std::string>{"builtin:brief+", "user:mine+"}));
-    EXPECT_EQ(names({{"kind", "tone"}}), std::vector<std::string>{});
-    EXPECT_EQ(names({{"includeDirectives", "yes"}}),
-              std::vector<std::string>{"includeDirectives must be true or false"});
-    EXPECT_EQ(names({{"kind", 1}}), std::vector<std::string>{"kind must be a string"});
-    EXPECT_TRUE(records().empty()) << "the catalog is not the user's context";
+              "builtin:brief+ user:mine+ ");
+    EXPECT_EQ(names({{"kind", "tone"}}), "");
+    EXPECT_EQ(names({{"includeDirectives", "yes"}}), "includeDirectives must be true or false");
+    EXPECT_EQ(names({{"kind", 1}}), "kind must be a string");
+    EXPECT_EQ(records(), json::array()) << "the catalog is not the user's context";
 }
 
 }  // namespace

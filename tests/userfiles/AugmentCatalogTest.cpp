@@ -11,44 +11,39 @@ namespace {
 namespace fs = std::filesystem;
 
 TEST(AugmentCatalogTest, ParsesFrontmatterAndDirectiveOrSaysWhyNot) {
-    const std::string directive2000(2000, 'd');
+    const std::string d2000(2000, 'd');
+    const std::string head = "---\nname: n\n";
     const struct {
-        std::string name;
         std::string text;
         std::string expected;  // the listing entry with its directive, or the reason
     } cases[] = {
-        {"every field",
-         "---\nname: Brief replies\nkind: length\ndescription: Two sentences.\n---\n\nKeep it "
+        {"---\nname: Brief replies\nkind: length\ndescription: Two sentences.\n---\n\nKeep it "
          "short.\n",
          R"({"description":"Two sentences.","directive":"Keep it short.","id":"brief",)"
          R"("kind":"length","name":"Brief replies","source":"builtin"})"},
-        {"mark, line endings, quotes, comments and unknown keys",
-         "\xEF\xBB\xBF---\r\n# shown in the Dashboard\r\nname: \"Pirate: arr\"\r\nicon: x\r\n\r\n"
+        // The byte-order mark, line endings, quotes, comments and unknown keys.
+        {"\xEF\xBB\xBF---\r\n# shown in the Dashboard\r\nname: \"Pirate: arr\"\r\nicon: x\r\n\r\n"
          "kind: ''\r\n---\r\nTalk like a pirate.\r\n",
          R"({"directive":"Talk like a pirate.","id":"brief","name":"Pirate: arr",)"
          R"("source":"builtin"})"},
-        {"a directive of exactly 2000 bytes", "---\nname: n\n---\n" + directive2000,
-         R"({"directive":")" + directive2000 + R"(","id":"brief","name":"n","source":"builtin"})"},
-        {"no frontmatter", "name: n\nDo it.",
-         "the file must start with a line --- that opens the frontmatter"},
-        {"frontmatter never closed", "---\nname: n\nkind: tone\n",
-         "the frontmatter is not closed by a line ---"},
-        {"not key: value", "---\nname: n\njust words\n---\nDo it.", "line 3 is not \"key: value\""},
-        {"key twice", "---\nname: a\nname: b\n---\nDo it.", "the key name appears twice"},
-        {"no name", "---\nname:\nkind: tone\n---\nDo it.", "no name in the frontmatter"},
-        {"long name", "---\nname: " + std::string(81, 'n') + "\n---\nDo it.",
-         "the name is longer than 80 bytes"},
-        {"kind not a slug", "---\nname: n\nkind: Tone\n---\nDo it.",
+        {head + "---\n" + d2000,
+         R"({"directive":")" + d2000 + R"(","id":"brief","name":"n","source":"builtin"})"},
+        {"name: n\nDo it.", "the file must start with a line --- that opens the frontmatter"},
+        {head + "kind: tone\n", "the frontmatter is not closed by a line ---"},
+        {head + "just words\n---\nDo it.", "line 3 is not \"key: value\""},
+        {head + "name: b\n---\nDo it.", "the key name appears twice"},
+        {"---\nname:\nkind: tone\n---\nDo it.", "no name in the frontmatter"},
+        {"---\nname: " + std::string(81, 'n') + "\n---\nx", "the name is longer than 80 bytes"},
+        {head + "kind: Tone\n---\nDo it.",
          "the kind must be lowercase letters, digits and hyphens, at most 32 bytes"},
-        {"long description", "---\nname: n\ndescription: " + std::string(301, 'd') + "\n---\nx",
+        {head + "description: " + std::string(301, 'd') + "\n---\nx",
          "the description is longer than 300 bytes"},
-        {"no directive", "---\nname: n\n---\n \n\t\n", "no directive after the frontmatter"},
-        {"long directive", "---\nname: n\n---\n" + directive2000 + "d",
-         "the directive is longer than 2000 bytes"},
-        {"not UTF-8", "---\nname: caf\xE9\n---\nx", "not valid UTF-8"},
+        {head + "---\n \n\t\n", "no directive after the frontmatter"},
+        {head + "---\n" + d2000 + "d", "the directive is longer than 2000 bytes"},
+        {"---\nname: caf\xE9\n---\nx", "not valid UTF-8"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(c.text.substr(0, 60));
         std::variant<Augment, std::string> parsed = parseAugmentFile("brief", c.text);
         if (Augment* augment = std::get_if<Augment>(&parsed)) {
             const AugmentCatalog catalog{{*augment}, {}, false};
@@ -78,7 +73,6 @@ TEST(AugmentCatalogTest, ListsBothDirectoriesAndEveryFileItCannotUse) {
     test::writeFile(user / "Bad Name.md", augment("Bad", "tone"));
     test::writeFile(user / "notes.txt", "not an augment");
     test::writeFile(user / ".draft.md", "hidden");
-    fs::create_directories(user / "folder.md");
     ASSERT_EQ(::mkfifo((user / "pipe.md").c_str(), 0600), 0);
 
     const AugmentCatalog catalog = loadAugmentCatalog(builtin, user);
@@ -93,7 +87,6 @@ TEST(AugmentCatalogTest, ListsBothDirectoriesAndEveryFileItCannotUse) {
              "reason": "the file name must be lowercase letters, digits and hyphens, then .md"},
             {"file": "brief.md", "source": "user",
              "reason": "the id is taken by a built-in augment; rename the file"},
-            {"file": "folder.md", "source": "user", "reason": "not a regular file"},
             {"file": "pipe.md", "source": "user", "reason": "not a regular file"}],
         "userDirectory": "~/.config/orvo-agent/augments"})"));
     EXPECT_EQ(listAugments(catalog, "tone", true)["augments"],
@@ -105,7 +98,6 @@ TEST(AugmentCatalogTest, ListsBothDirectoriesAndEveryFileItCannotUse) {
         test::writeFile(user / (std::to_string(1000 + i) + ".md"), augment("A", "tone"));
     }
     const AugmentCatalog crowded = loadAugmentCatalog(std::nullopt, user);
-    EXPECT_TRUE(crowded.truncated);
     EXPECT_EQ(crowded.augments.size() + crowded.invalidFiles.size(), kMaxAugmentFiles);
     EXPECT_EQ(listAugments(crowded, std::nullopt, false)["truncated"], true);
 }

@@ -12,8 +12,7 @@ namespace fs = std::filesystem;
 
 TEST(PreferenceNotesTest, NormalisesLineBreaksAndTrimsUnicodeWhitespace) {
     const struct {
-        std::string note;
-        std::string normalized;
+        std::string note, normalized;
     } cases[] = {
         {"  likes tabs\r\nnot spaces \n", "likes tabs not spaces"},
         {"a\rb", "a\rb"},
@@ -30,24 +29,23 @@ TEST(PreferenceNotesTest, NormalisesLineBreaksAndTrimsUnicodeWhitespace) {
     }
 }
 
-// Appends `note` to a notes file holding `existing` (none: no file, no directory) and returns the
-// result; nothing but the notes may be left behind.
-json remember(const std::optional<std::string>& existing, const std::optional<std::string>& note,
-              std::optional<std::string>& after) {
+std::ptrdiff_t entryCount(const fs::path& directory) {
+    return std::distance(fs::directory_iterator(directory), fs::directory_iterator());
+}
+
+// Appends `note` to notes holding `existing` (none: no file, no directory): the result, and the
+// notes after. Nothing but the notes may be left behind.
+std::pair<json, std::optional<std::string>> remember(const std::optional<std::string>& existing,
+                                                     const std::optional<std::string>& note) {
     test::TempDir home;
     const fs::path file = preferencesFilePath(home.path());
     if (existing) {
         test::writeFile(file, *existing);
     }
     const json result = rememberPreference(file, note);
-    after = test::readFile(file);
-    EXPECT_EQ(std::distance(fs::directory_iterator(home.path()), fs::directory_iterator()), 1);
-    if (after) {
-        EXPECT_EQ(
-            std::distance(fs::directory_iterator(file.parent_path()), fs::directory_iterator()), 1)
-            << "a temporary file is left beside the notes";
-    }
-    return result;
+    EXPECT_EQ(entryCount(home.path()), 1);
+    EXPECT_EQ(entryCount(file.parent_path()), 1) << "a temporary file is left beside the notes";
+    return {result, test::readFile(file)};
 }
 
 TEST(PreferenceNotesTest, AppendsOneLine) {
@@ -71,16 +69,15 @@ TEST(PreferenceNotesTest, AppendsOneLine) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.note.substr(0, 40));
-        std::optional<std::string> after;
-        EXPECT_EQ(remember(c.existing, c.note, after),
-                  json({{"ok", true}, {"char_count", c.characters}}));
+        const auto [result, after] = remember(c.existing, c.note);
+        EXPECT_EQ(result, json({{"ok", true}, {"char_count", c.characters}}));
         EXPECT_TRUE(after == c.after) << "the notes differ from the expected ones";
     }
 }
 
 TEST(PreferenceNotesTest, RefusesAndLeavesTheFileAsItWas) {
     std::string euros;  // 342 characters, 1026 bytes
-    for (int i = 0; i < 342; ++i) {
+    while (euros.size() < 1026) {
         euros += "\xE2\x82\xAC";
     }
     const std::string tooFull = std::string(32754, 'x') + "y";  // the added line feed tips it
@@ -102,8 +99,8 @@ TEST(PreferenceNotesTest, RefusesAndLeavesTheFileAsItWas) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.result);
-        std::optional<std::string> after;
-        EXPECT_EQ(remember(c.existing, c.note, after), json::parse(c.result));
+        const auto [result, after] = remember(c.existing, c.note);
+        EXPECT_EQ(result, json::parse(c.result));
         EXPECT_TRUE(after == c.existing) << "the notes changed";
     }
 }
@@ -111,36 +108,33 @@ TEST(PreferenceNotesTest, RefusesAndLeavesTheFileAsItWas) {
 TEST(PreferenceNotesTest, ReadsTheWholeTextOrSaysWhyNot) {
     test::TempDir home;
     const fs::path file = preferencesFilePath(home.path());
-    EXPECT_EQ(readPreferences(file), json({{"content", ""}, {"char_count", 0}}));
+    const json empty = {{"content", ""}, {"char_count", 0}};
+    EXPECT_EQ(readPreferences(file), empty);
     test::writeFile(home.path() / ".config", "a file where the directory should be");
-    EXPECT_EQ(readPreferences(file), json({{"content", ""}, {"char_count", 0}}));
-    const json refused = rememberPreference(file, "note");
-    EXPECT_EQ(refused["error"], "could not write preferences");
-    EXPECT_EQ(refused["details"],
-              "creating " + file.parent_path().string() + ": Not a directory (errno 20)");
+    EXPECT_EQ(readPreferences(file), empty);
+    EXPECT_EQ(rememberPreference(file, "note"),
+              json({{"error", "could not write preferences"},
+                    {"details",
+                     "creating " + file.parent_path().string() + ": Not a directory (errno 20)"}}));
     fs::remove(home.path() / ".config");
 
     test::writeFile(file, "sign as \xE2\x80\x94 J\r\n");
     EXPECT_EQ(readPreferences(file),
               json({{"content", "sign as \xE2\x80\x94 J\r\n"}, {"char_count", 12}}));
-
-    // A file that cannot be read is never replaced, except one that is not UTF-8: the append
-    // says so with its own fix.
-    const auto expectUnreadable = [&](const std::string& details) {
-        EXPECT_EQ(readPreferences(file),
-                  json({{"error", "could not read preferences"}, {"details", details}}));
-        EXPECT_EQ(rememberPreference(file, "note"),
-                  json({{"error", "could not read existing preferences"},
-                        {"details", details},
-                        {"fix",
-                         "Open ~/.config/orvo-agent/preferences.md, fix permissions or contents, "
-                         "then retry."}}));
-    };
     test::writeFile(file, "caf\xE9");
     EXPECT_EQ(readPreferences(file)["details"], "the file is not valid UTF-8");
+
+    // A file that cannot be read is never replaced.
     fs::remove(file);
     ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);  // read at once, it would block
-    expectUnreadable("not a regular file");
+    EXPECT_EQ(readPreferences(file),
+              json({{"error", "could not read preferences"}, {"details", "not a regular file"}}));
+    EXPECT_EQ(rememberPreference(file, "note"),
+              json({{"error", "could not read existing preferences"},
+                    {"details", "not a regular file"},
+                    {"fix",
+                     "Open ~/.config/orvo-agent/preferences.md, fix permissions or contents, "
+                     "then retry."}}));
 
     // A hand-edited file past the append cap is still read whole.
     fs::remove(file);
@@ -178,8 +172,7 @@ TEST(PreferenceNotesTest, RewriteKeepsLinksAndPermissionsAndClearsStaleTemporari
     EXPECT_FALSE(fs::exists(stale));
     EXPECT_TRUE(fs::exists(fresh)) << "a young one may still be moved into place by its writer";
     EXPECT_TRUE(fs::exists(unrelated));
-    EXPECT_EQ(std::distance(fs::directory_iterator(file.parent_path()), fs::directory_iterator()),
-              1);
+    EXPECT_EQ(entryCount(file.parent_path()), 1);
     EXPECT_EQ(readPreferences(file), json({{"content", "a\n- b\n"}, {"char_count", 6}}));
 
     // A dangling link, relative here, gets its file created where it points.

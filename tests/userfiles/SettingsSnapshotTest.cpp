@@ -24,11 +24,9 @@ json snapshotOf(std::string_view file) {
 
 TEST(SettingsSnapshotTest, DecodesTolerantlyAndFillsDefaults) {
     const struct {
-        std::string file;
-        std::string changes;  // the members that differ from the defaults
+        std::string file, changes;  // changes: the members that differ from the defaults
     } cases[] = {
         {"", "{}"},
-        {"[1]", "{}"},
         {R"({"assistantEnabled":tr)", "{}"},  // cut short by a concurrent write
         {std::string(R"({"repliesMuted":true})").append(1, '\0').append("x"), "{}"},
         {std::string(R"({"repliesMuted":true,"x":)")
@@ -103,7 +101,6 @@ TEST(SettingsSnapshotTest, RecognisesClaudeModelIdentifiers) {
 TEST(SettingsSnapshotTest, ReadsTheFileUnderTheGivenHomeAfresh) {
     test::TempDir home;
     const auto file = settingsFilePath(home.path());
-    EXPECT_EQ(file, home.path() / ".config/orvo-agent/settings.json");
     EXPECT_FALSE(loadPersistedSettings(file).repliesMuted);
     test::writeFile(file, R"({"repliesMuted":true,"dictationHotkey":{"name":"fn"}})");
     EXPECT_EQ(loadPersistedSettings(file).repliesMuted, true);

@@ -12,9 +12,8 @@ namespace fs = std::filesystem;
 TEST(VersionLookupTest, FindsTheVersionFileBesideTheExecutable) {
     const std::string none(kFallbackVersion);
     const struct {
-        std::vector<std::pair<std::string, std::string>> files;  // relative to the root
-        std::string program;                                     // relative to the root
-        std::string version;
+        std::vector<std::pair<std::string, std::string>> files;  // paths relative to the root
+        std::string program, version;
     } cases[] = {
         {{{"A/Resources/VERSION", "1.4.2\n"}}, "A/B/program", "1.4.2"},  // installed layout
         {{{"A/Resources/VERSION", " \n\t"}, {"A/B/VERSION", "\n2.0\n"}}, "A/B/program", "2.0"},
@@ -38,10 +37,8 @@ TEST(VersionLookupTest, ResolvesLinksAndRelativePaths) {
     test::TempDir root;
     test::writeFile(root.path() / "real/Resources/VERSION", "1.4.2\n");
     test::writeFile(root.path() / "real/bin/program", "");
-    fs::create_directories(root.path() / "links/bin");
-    fs::create_symlink(root.path() / "real/bin/program", root.path() / "links/bin/program");
-    EXPECT_EQ(lookupVersion((root.path() / "links/bin/program").string()), "1.4.2");
-
+    fs::create_directory_symlink(root.path() / "real/bin", root.path() / "links");
+    EXPECT_EQ(lookupVersion((root.path() / "links/program").string()), "1.4.2");
     const fs::path previous = fs::current_path();
     fs::current_path(root.path() / "real");
     EXPECT_EQ(lookupVersion("bin/program"), "1.4.2");
