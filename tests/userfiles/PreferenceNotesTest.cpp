@@ -94,10 +94,9 @@ TEST(PreferenceNotesTest, ReadsTheWholeTextOrSaysWhyNot) {
     EXPECT_EQ(readPreferences(file), empty);
     test::writeFile(home.path() / ".config", "a file where the directory should be");
     EXPECT_EQ(readPreferences(file), empty);
-    EXPECT_EQ(rememberPreference(file, "note"),
-              json({{"error", "could not write preferences"},
-                    {"details",
-                     "creating " + file.parent_path().string() + ": Not a directory (errno 20)"}}));
+    EXPECT_EQ(dumpCompact(rememberPreference(file, "note")),
+              R"({"details":"creating )" + file.parent_path().string() +
+                  R"x(: Not a directory (errno 20)","error":"could not write preferences"})x");
     fs::remove(home.path() / ".config");
 
     test::writeFile(file, "sign as \xE2\x80\x94 J\r\n");

@@ -33,7 +33,6 @@ TEST(SettingsSnapshotTest, DecodesTolerantlyAndFillsDefaults) {
              .append("}"),
          R"({"repliesMuted":true})"},
         {R"({"assistantBackend":""})", "{}"},
-        {R"({"assistantEnabled":null,"repliesMuted":true})", R"({"repliesMuted":true})"},
         {R"({"assistantBackend":"claude","assistantEnabled":true,"ambientListeningLevel":"",
              "ambientLearnFromDictation":false,"ambientDucksReplies":true,"assistantTrigger":"",
              "assistantName":"Ada","userAddress":"Sir","userAddressDisabled":true,
@@ -52,10 +51,8 @@ TEST(SettingsSnapshotTest, DecodesTolerantlyAndFillsDefaults) {
          R"({"dictationHotkey":"rightCommand"})"},
         {R"({"dictationHotkey":{"name":1,"rawValue":"r"},"repliesMuted":true})",
          R"({"dictationHotkey":"r"})"},
-        // One mistyped member fails the whole typed decode.
+        // One mistyped member fails the whole typed decode; which types fit is the reader's.
         {R"({"speechVolumePercent":"60","repliesMuted":true})", "{}"},
-        {R"({"inputDevice":1.5,"repliesMuted":true})", "{}"},
-        {R"({"inputDevice":18446744073709551615,"repliesMuted":true})", "{}"},
         {R"({"agentVoices":{"claude":1},"repliesMuted":true})", "{}"},
         {R"({"agentVoices":{"claude":"heart2","codex":"x"}})",  // a retired voice is renamed
          R"({"agentVoices":{"claude":"tavi","codex":"x"}})"},
