@@ -73,12 +73,10 @@ TEST_F(ServerTrackingTest, SixteenStalledCallsProceedAndTheSeventeenthIsRefused)
     call(17, "computer_click");
     EXPECT_EQ(response(), json::parse(R"({"jsonrpc":"2.0","id":17,"error":{"code":-32000,
         "message":"Maximum number of pending Computer Use requests reached"}})"));
-    for (const auto& request : app_.received()) {
-        EXPECT_EQ(request.request["args"], json({{"_cancelOnDisconnect", true}}));
-    }
     server_.finishInput();
     EXPECT_TRUE(app_.waitForFinished(16));
     for (const auto& request : app_.received()) {
+        EXPECT_EQ(request.request["args"], json({{"_cancelOnDisconnect", true}}));
         EXPECT_TRUE(request.disconnected);
     }
     EXPECT_EQ(response(100ms), nullptr);  // cancelled calls are never answered
@@ -134,8 +132,6 @@ TEST_F(ServerTrackingTest, CancellationHalfClosesTheCallAndSilencesIt) {
     EXPECT_TRUE(app_.received()[0].disconnected);
     send({{"id", 2}, {"method", "ping"}});
     EXPECT_EQ(response()["id"], 2);  // the cancelled call wrote nothing before it
-    cancel(3);                       // after the end: no effect, no output
-    EXPECT_EQ(response(100ms), nullptr);
 }
 
 // The client pins the request and its half-close; the server pretty-prints the app's result.

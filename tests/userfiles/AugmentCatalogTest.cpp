@@ -17,17 +17,14 @@ TEST(AugmentCatalogTest, ParsesFrontmatterAndDirectiveOrSaysWhyNot) {
         std::string text;
         std::string expected;  // the listing entry with its directive, or the reason
     } cases[] = {
-        {"---\nname: Brief replies\nkind: length\ndescription: Two sentences.\n---\n\nKeep it "
-         "short.\n",
-         R"({"description":"Two sentences.","directive":"Keep it short.","id":"brief",)"
-         R"("kind":"length","name":"Brief replies","source":"builtin"})"},
+        {"---\nname: Brief replies\nkind: length\ndescription: Two sentences.\n---\n\n" + d2000,
+         R"({"description":"Two sentences.","directive":")" + d2000 +
+             R"(","id":"brief","kind":"length","name":"Brief replies","source":"builtin"})"},
         // The byte-order mark, line endings, quotes, comments and unknown keys.
         {"\xEF\xBB\xBF---\r\n# shown in the Dashboard\r\nname: \"Pirate: arr\"\r\nicon: x\r\n\r\n"
          "kind: ''\r\n---\r\nTalk like a pirate.\r\n",
          R"({"directive":"Talk like a pirate.","id":"brief","name":"Pirate: arr",)"
          R"("source":"builtin"})"},
-        {head + "---\n" + d2000,
-         R"({"directive":")" + d2000 + R"(","id":"brief","name":"n","source":"builtin"})"},
         {"name: n\nDo it.", "the file must start with a line --- that opens the frontmatter"},
         {head + "kind: tone\n", "the frontmatter is not closed by a line ---"},
         {head + "just words\n---\nDo it.", "line 3 is not \"key: value\""},
@@ -93,7 +90,6 @@ TEST(AugmentCatalogTest, ListsBothDirectoriesAndEveryFileItCannotUse) {
               json::parse(R"([{"id": "mine", "name": "Mine", "kind": "tone", "source": "user",
                                "directive": "Do Mine."}])"));
 
-    test::writeFile(user / "large.md", std::string(kMaxAugmentFileBytes + 1, 'x'));
     for (int i = 0; i < 200; ++i) {
         test::writeFile(user / (std::to_string(1000 + i) + ".md"), augment("A", "tone"));
     }

@@ -21,7 +21,6 @@ TEST(ContextAuditLogTest, TimestampsAreUTCWithMilliseconds) {
         system_clock::time_point time;
         std::string text;
     } cases[] = {
-        {system_clock::time_point{}, "1970-01-01T00:00:00.000Z"},
         {system_clock::time_point{1795256841123ms}, "2026-11-21T10:27:21.123Z"},
         {system_clock::time_point{1709251199999ms + 999us}, "2024-02-29T23:59:59.999Z"},
         {system_clock::time_point{-1ms}, "1969-12-31T23:59:59.999Z"},
@@ -33,29 +32,27 @@ TEST(ContextAuditLogTest, TimestampsAreUTCWithMilliseconds) {
 }
 
 TEST(ContextAuditLogTest, LinesCarryOnlyThePresentFieldsThenTheExtras) {
-    const system_clock::time_point time{1795256841123ms};
+    const std::string ts = R"({"ts":"2026-11-21T10:27:21.123Z",)";
     const struct {
         std::string name;
         AuditRecord record;
         std::string line;
     } cases[] = {
-        {"bare",
-         {"read_preferences", "ok", {}, {}, {}, {}},
-         R"({"ts":"2026-11-21T10:27:21.123Z","tool":"read_preferences","result":"ok"})"},
+        {"bare", {"read", "ok", {}, {}, {}, {}}, ts + R"("tool":"read","result":"ok"})"},
         {"every field",
          {"t", "error: x", "Mail", "com.example.mail", 0, {{"count", 2}, {"path", "/a/b"}}},
-         R"({"ts":"2026-11-21T10:27:21.123Z","tool":"t","result":"error: x","app":"Mail",)"
-         R"("bundle_id":"com.example.mail","output_bytes":0,"count":2,"path":"/a/b"})"},
+         ts + R"("tool":"t","result":"error: x","app":"Mail","bundle_id":"com.example.mail",)"
+              R"("output_bytes":0,"count":2,"path":"/a/b"})"},
         {"an extra replaces an earlier key in place",
          {"t", "ok", {}, {}, 5, {{"result", nullptr}, {"n", 1}, {"n", 2}}},
-         R"({"ts":"2026-11-21T10:27:21.123Z","tool":"t","result":null,"output_bytes":5,"n":2})"},
+         ts + R"("tool":"t","result":null,"output_bytes":5,"n":2})"},
         {"undecodable text is replaced, not dropped",
          {"t\xFF", "ok", {}, {}, {}, {}},
-         "{\"ts\":\"2026-11-21T10:27:21.123Z\",\"tool\":\"t\xEF\xBF\xBD\",\"result\":\"ok\"}"},
+         ts + "\"tool\":\"t\xEF\xBF\xBD\",\"result\":\"ok\"}"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        EXPECT_EQ(auditLine(c.record, time), c.line);
+        EXPECT_EQ(auditLine(c.record, system_clock::time_point{1795256841123ms}), c.line);
     }
 }
 
@@ -102,38 +99,33 @@ TEST(ContextAuditLogTest, FailuresGoToStandardErrorOnly) {
     }
 }
 
-class ActivityCueTest : public ::testing::Test {
-protected:
+TEST(ContextAuditLogTest, SendsAtMostOneCuePerTwoSecondsAndNoneWhenSilenced) {
+    test::TempDir home;
+    std::atomic<std::size_t> cues{0};
+    std::atomic<std::chrono::steady_clock::duration> now{std::chrono::hours(1)};
     // A log whose clock the test moves, counting the cues it sends.
-    ContextAuditLog makeLog(bool audible) {
+    const auto makeLog = [&](bool audible) {
         return ContextAuditLog(ContextAuditLogOptions{
-            home_.path() / "reads.jsonl", [this] { ++cues_; }, audible,
-            [this] { return std::chrono::steady_clock::time_point{now_.load()}; }});
-    }
+            home.path() / "reads.jsonl", [&] { ++cues; }, audible,
+            [&] { return std::chrono::steady_clock::time_point{now.load()}; }});
+    };
     // Cues sent, after a pause long enough for a stray one to show up.
-    std::size_t cuesAfterSettling(std::size_t expected) {
-        for (int i = 0; i < 500 && cues_.load() < expected; ++i) {
+    const auto cuesAfterSettling = [&](std::size_t expected) {
+        for (int i = 0; i < 500 && cues.load() < expected; ++i) {
             std::this_thread::sleep_for(10ms);
         }
         std::this_thread::sleep_for(100ms);
-        return cues_.load();
-    }
-
-    test::TempDir home_;
-    std::atomic<std::size_t> cues_{0};
-    std::atomic<std::chrono::steady_clock::duration> now_{std::chrono::hours(1)};
-};
-
-TEST_F(ActivityCueTest, SendsAtMostOneCuePerTwoSecondsAndNoneWhenSilenced) {
+        return cues.load();
+    };
     ContextAuditLog log = makeLog(true);
-    const std::chrono::steady_clock::duration start = now_.load();
+    const std::chrono::steady_clock::duration start = now.load();
     for (auto offset : {0ms, 500ms, 1999ms, 2000ms, 2500ms, 3999ms, 10000ms}) {
-        now_ = start + offset;
+        now = start + offset;
         log.activityCue();
     }
     EXPECT_EQ(cuesAfterSettling(3), 3u);  // at 0, 2.0 and 10 seconds
 
-    now_ = start + 20s;
+    now = start + 20s;
     std::vector<std::thread> burst;
     for (int i = 0; i < 8; ++i) {
         burst.emplace_back([&log] { log.activityCue(); });
@@ -148,7 +140,7 @@ TEST_F(ActivityCueTest, SendsAtMostOneCuePerTwoSecondsAndNoneWhenSilenced) {
     silent.activityCue();
     silent.record({"read_preferences", "ok", {}, {}, {}, {}});
     ASSERT_TRUE(silent.drain(10s));
-    EXPECT_EQ(fileLines(home_.path() / "reads.jsonl").size(), 1u);
+    EXPECT_EQ(fileLines(home.path() / "reads.jsonl").size(), 1u);
     EXPECT_EQ(cuesAfterSettling(4), 4u);
 }
 

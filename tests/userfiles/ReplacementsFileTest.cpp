@@ -78,14 +78,12 @@ TEST(ReplacementsFileTest, ListsAPageOfTheMatchingEntries) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.page);
-        ReplacementsQuery query{std::nullopt, c.limit, c.offset};
-        if (!c.text.empty()) {
-            query.text = c.text;
-        }
-        const json result = listReplacements(file, query);
+        const std::optional<std::string> text =
+            c.text.empty() ? std::nullopt : std::optional<std::string>(c.text);
+        const json result = listReplacements(file, {text, c.limit, c.offset});
         std::string page;
         for (const json& entry : result["entries"]) {
-            page += std::to_string(entry["line"].get<int>()) + " ";
+            page += entry["line"].dump() + " ";
         }
         page += "of " + result["total"].dump();
         if (result.contains("nextOffset")) {
@@ -108,12 +106,10 @@ TEST(ReplacementsFileTest, ListsAPageOfTheMatchingEntries) {
 
     std::filesystem::remove(file);
     std::filesystem::create_directory(file);
-    EXPECT_EQ(listReplacements(file, {}),
-              json({{"error", "could not read dictionary"},
-                    {"details", "not a regular file"},
-                    {"fix",
-                     "Ask the user to check ~/.config/orvo-agent/replacements.txt: it must be a "
-                     "readable file of at most 1 MB. Entries can be edited in the Dashboard."}}));
+    EXPECT_EQ(dumpCompact(listReplacements(file, {})),
+              R"({"details":"not a regular file","error":"could not read dictionary","fix":"Ask )"
+              R"(the user to check ~/.config/orvo-agent/replacements.txt: it must be a readable )"
+              R"(file of at most 1 MB. Entries can be edited in the Dashboard."})");
 }
 
 }  // namespace

@@ -26,16 +26,13 @@ TEST(SettingsSnapshotTest, DecodesTolerantlyAndFillsDefaults) {
     const struct {
         std::string file, changes;  // changes: the members that differ from the defaults
     } cases[] = {
-        {"", "{}"},
         {R"({"assistantEnabled":tr)", "{}"},  // cut short by a concurrent write
-        {std::string(R"({"repliesMuted":true})").append(1, '\0').append("x"), "{}"},
         {std::string(R"({"repliesMuted":true,"x":)")
              .append(100000, '[')
              .append(100000, ']')
              .append("}"),
          R"({"repliesMuted":true})"},
         {R"({"assistantBackend":""})", "{}"},
-        {R"({"assistantEnabled":null,"repliesMuted":true})", R"({"repliesMuted":true})"},
         {R"({"assistantBackend":"claude","assistantEnabled":true,"ambientListeningLevel":"",
              "ambientLearnFromDictation":false,"ambientDucksReplies":true,"assistantTrigger":"",
              "assistantName":"Ada","userAddress":"Sir","userAddressDisabled":true,
@@ -54,10 +51,8 @@ TEST(SettingsSnapshotTest, DecodesTolerantlyAndFillsDefaults) {
          R"({"dictationHotkey":"rightCommand"})"},
         {R"({"dictationHotkey":{"name":1,"rawValue":"r"},"repliesMuted":true})",
          R"({"dictationHotkey":"r"})"},
-        // One mistyped member fails the whole typed decode.
+        // One mistyped member fails the whole typed decode; which types fit is the reader's.
         {R"({"speechVolumePercent":"60","repliesMuted":true})", "{}"},
-        {R"({"inputDevice":1.5,"repliesMuted":true})", "{}"},
-        {R"({"inputDevice":18446744073709551615,"repliesMuted":true})", "{}"},
         {R"({"agentVoices":{"claude":1},"repliesMuted":true})", "{}"},
         {R"({"agentVoices":{"claude":"heart2","codex":"x"}})",  // a retired voice is renamed
          R"({"agentVoices":{"claude":"tavi","codex":"x"}})"},
@@ -76,25 +71,18 @@ TEST(SettingsSnapshotTest, DecodesTolerantlyAndFillsDefaults) {
     }
 }
 
+// At most 167 characters; the plain "claude:claude-x" is a row of the decoding test.
 TEST(SettingsSnapshotTest, RecognisesClaudeModelIdentifiers) {
-    const struct {
-        std::string text;
-        bool accepted;
-    } cases[] = {
-        {"claude:claude-opus-4.1[1m]", true},
-        {"claude:claude-x", true},
-        {"claude:claude-", false},
-        {"claude:claude-x-", false},
-        {"claude:claude-x..y", false},
-        {"claude:claude-x[1m]x", false},
-        {"claude:claude-x\n", false},
-        {" claude:claude-x", false},
-        {"claude:claude-" + std::string(153, 'a'), true},   // 167 characters
-        {"claude:claude-" + std::string(154, 'a'), false},  // 168 characters
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.text);
-        EXPECT_EQ(isClaudeModelIdentifier(c.text), c.accepted);
+    const std::string prefix = "claude:claude-";
+    for (const std::string& text : {prefix + "opus-4.1[1m]", prefix + std::string(153, 'a')}) {
+        SCOPED_TRACE(text);
+        EXPECT_TRUE(isClaudeModelIdentifier(text));
+    }
+    for (const std::string& text :
+         {prefix, prefix + "x-", prefix + "x..y", prefix + "x[1m]x", prefix + "x\n",
+          " " + prefix + "x", prefix + std::string(154, 'a')}) {
+        SCOPED_TRACE(text);
+        EXPECT_FALSE(isClaudeModelIdentifier(text));
     }
 }
 
@@ -102,12 +90,10 @@ TEST(SettingsSnapshotTest, ReadsTheFileUnderTheGivenHomeAfresh) {
     test::TempDir home;
     const auto file = settingsFilePath(home.path());
     EXPECT_FALSE(loadPersistedSettings(file).repliesMuted);
+    EXPECT_EQ(readHotkeyLabel(file), std::nullopt);
     test::writeFile(file, R"({"repliesMuted":true,"dictationHotkey":{"name":"fn"}})");
     EXPECT_EQ(loadPersistedSettings(file).repliesMuted, true);
     EXPECT_EQ(readHotkeyLabel(file), "fn");
-    test::writeFile(file, R"({"repliesMuted":false})");
-    EXPECT_EQ(loadPersistedSettings(file).repliesMuted, false);
-    EXPECT_EQ(readHotkeyLabel(file), std::nullopt);
 }
 
 }  // namespace

