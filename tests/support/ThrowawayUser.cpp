@@ -24,8 +24,14 @@ void removeUser() {
     }
 }
 
-void chownTree(const std::filesystem::path& path, uid_t uid, gid_t gid) {
-    [[maybe_unused]] int ignored = ::lchown(path.c_str(), uid, gid);
+// Gives `path` and each directory above it up to `home` to the user.
+void chownUpTo(const ThrowawayUser& user, const std::filesystem::path& path) {
+    for (std::filesystem::path at = path;; at = at.parent_path()) {
+        [[maybe_unused]] int ignored = ::lchown(at.c_str(), user.uid, user.gid);
+        if (at == user.home || !at.has_relative_path()) {
+            return;
+        }
+    }
 }
 
 }  // namespace
@@ -60,7 +66,7 @@ const ThrowawayUser* ThrowawayUser::get(std::string& whyNot) {
     }
     user->uid = entry->pw_uid;
     user->gid = entry->pw_gid;
-    chownTree(user->home, user->uid, user->gid);
+    chownUpTo(*user, user->home);
     std::filesystem::permissions(user->home, std::filesystem::perms(0755));
     gUser = std::move(user);
     std::atexit(removeUser);
@@ -76,18 +82,14 @@ void ThrowawayUser::resetHome() const {
 std::filesystem::path ThrowawayUser::makeHomeDirectories(
     const std::filesystem::path& relative) const {
     std::filesystem::create_directories(home / relative);
-    for (std::filesystem::path path = home / relative; path != home; path = path.parent_path()) {
-        chownTree(path, uid, gid);
-    }
+    chownUpTo(*this, home / relative);
     return home / relative;
 }
 
 void ThrowawayUser::writeHomeFile(const std::filesystem::path& relative,
                                   std::string_view contents) const {
     writeFile(home / relative, contents);
-    for (std::filesystem::path path = home / relative; path != home; path = path.parent_path()) {
-        chownTree(path, uid, gid);
-    }
+    chownUpTo(*this, home / relative);
 }
 
 }  // namespace orvo::test

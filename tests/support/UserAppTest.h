@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -26,8 +28,11 @@ protected:
         user_->resetHome();
     }
     // A process of the real binary run as the user.
-    ProcessOptions asUser() const {
+    ProcessOptions asUser(std::vector<std::string> arguments = {},
+                          std::vector<std::pair<std::string, std::string>> environment = {}) const {
         ProcessOptions options;
+        options.arguments = std::move(arguments);
+        options.environment = std::move(environment);
         options.uid = user_->uid;
         options.gid = user_->gid;
         return options;
