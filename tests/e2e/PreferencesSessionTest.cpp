@@ -6,7 +6,6 @@
 #include <thread>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "support/UserAppTest.h"
 
@@ -41,8 +40,7 @@ protected:
 
 // Root ignores permissions, so only a process of the throwaway user meets this refusal.
 TEST_F(PreferencesSessionTest, AnUnwritableDirectoryLeavesTheFileAsItWas) {
-    user_->writeHomeFile(".config/orvo-agent/preferences.md", "- kept\n");
-    ASSERT_EQ(::chown(directory().c_str(), 0, 0), 0);
+    writeFile(directory() / "preferences.md", "- kept\n");  // as root, with its directory
     fs::permissions(directory(), fs::perms(0755));
     ServerProcess server(asUser());
     EXPECT_EQ(server.callTool(1, "remember_preference", {{"note", "new"}}),

@@ -9,7 +9,6 @@
 #include <unistd.h>
 
 #include "support/Platform.h"
-#include "support/ServerProcess.h"
 
 namespace orvo::test {
 namespace {
@@ -21,16 +20,6 @@ void removeUser() {
         removeSystemUser(gUser->name);
         std::error_code error;
         std::filesystem::remove_all(gUser->home, error);
-    }
-}
-
-// Gives `path` and each directory above it up to `home` to the user.
-void chownUpTo(const ThrowawayUser& user, const std::filesystem::path& path) {
-    for (std::filesystem::path at = path;; at = at.parent_path()) {
-        [[maybe_unused]] int ignored = ::lchown(at.c_str(), user.uid, user.gid);
-        if (at == user.home || !at.has_relative_path()) {
-            return;
-        }
     }
 }
 
@@ -66,7 +55,7 @@ const ThrowawayUser* ThrowawayUser::get(std::string& whyNot) {
     }
     user->uid = entry->pw_uid;
     user->gid = entry->pw_gid;
-    chownUpTo(*user, user->home);
+    [[maybe_unused]] const int ignored = ::lchown(user->home.c_str(), user->uid, user->gid);
     std::filesystem::permissions(user->home, std::filesystem::perms(0755));
     gUser = std::move(user);
     std::atexit(removeUser);
@@ -77,19 +66,6 @@ void ThrowawayUser::resetHome() const {
     for (const auto& entry : std::filesystem::directory_iterator(home)) {
         std::filesystem::remove_all(entry.path());
     }
-}
-
-std::filesystem::path ThrowawayUser::makeHomeDirectories(
-    const std::filesystem::path& relative) const {
-    std::filesystem::create_directories(home / relative);
-    chownUpTo(*this, home / relative);
-    return home / relative;
-}
-
-void ThrowawayUser::writeHomeFile(const std::filesystem::path& relative,
-                                  std::string_view contents) const {
-    writeFile(home / relative, contents);
-    chownUpTo(*this, home / relative);
 }
 
 }  // namespace orvo::test

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "protocol/MCPSocketPath.h"
 #include "support/FakeApp.h"
@@ -48,8 +49,10 @@ protected:
         if (IsSkipped()) {
             return;
         }
-        const auto socket = MCPSocketPath::resolve(user_->home);
-        user_->makeHomeDirectories(std::filesystem::relative(socket.parent_path(), user_->home));
+        // The app makes its socket as the user, so in a directory of the user's.
+        const std::filesystem::path socket = MCPSocketPath::resolve(user_->home);
+        std::filesystem::create_directories(socket.parent_path());
+        ASSERT_EQ(::chown(socket.parent_path().c_str(), user_->uid, user_->gid), 0);
         app_ = std::make_unique<FakeApp>(socket, std::pair{user_->uid, user_->gid});
     }
 
