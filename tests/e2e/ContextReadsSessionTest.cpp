@@ -12,33 +12,17 @@ namespace {
 
 using namespace std::chrono_literals;
 
-class ContextReadsSessionTest : public UserAppTest {
-protected:
-    // The audit lines, without their time.
-    std::vector<json> records() const {
-        std::vector<json> parsed;
-        for (const std::string& line : splitLines(readFile(logPath()).value_or(""))) {
-            json record = json::parse(line, nullptr, false);
-            EXPECT_TRUE(record.is_object() && record.contains("ts")) << line;
-            record.erase("ts");
-            parsed.push_back(std::move(record));
-        }
-        return parsed;
-    }
-    std::filesystem::path logPath() const {
-        return user_->home / ".config/orvo-agent/mcp-context-reads.jsonl";
-    }
-    // The cue is never waited for, so it is counted after a pause.
-    std::size_t cuesAfterSettling() const {
-        std::this_thread::sleep_for(500ms);
-        return static_cast<std::size_t>(
-            std::ranges::count_if(app_->received(), [](const ReceivedRequest& request) {
-                return request.request.value("method", "") == "connected_app_activity_cue";
-            }));
-    }
-};
+using ContextReadsSessionTest = UserAppTest;
 
 TEST_F(ContextReadsSessionTest, EachReadLeavesOneLineOfItsOutcomeAndABurstOneCue) {
+    const std::filesystem::path log = user_->home / ".config/orvo-agent/mcp-context-reads.jsonl";
+    // The cue is never waited for, so it is counted after a pause.
+    const auto cuesAfterSettling = [this] {
+        std::this_thread::sleep_for(500ms);
+        return std::ranges::count_if(app_->received(), [](const ReceivedRequest& request) {
+            return request.request.value("method", "") == "connected_app_activity_cue";
+        });
+    };
     app_->on("get_meeting", successReply({{"title", "Standup"}}));
     app_->on(
         "computer_read",
@@ -61,8 +45,8 @@ TEST_F(ContextReadsSessionTest, EachReadLeavesOneLineOfItsOutcomeAndABurstOneCue
     };
     for (const bool silenced : {false, true}) {
         SCOPED_TRACE(silenced ? "ORVO_MCP_AUDIBLE=0" : "audible");
-        std::filesystem::remove(logPath());
-        const std::size_t cuesBefore = cuesAfterSettling();
+        std::filesystem::remove(log);
+        const std::ptrdiff_t cuesBefore = cuesAfterSettling();
         ServerProcess server(asUser({}, {{"ORVO_MCP_AUDIBLE", silenced ? "0" : "1"}}));
         std::vector<json> expected;
         int id = 0;
@@ -80,10 +64,17 @@ TEST_F(ContextReadsSessionTest, EachReadLeavesOneLineOfItsOutcomeAndABurstOneCue
                     (*result)["content"][0]["text"].get<std::string>().size();
             }
         }
-        EXPECT_EQ(cuesAfterSettling() - cuesBefore, silenced ? 0u : 1u);
+        EXPECT_EQ(cuesAfterSettling() - cuesBefore, silenced ? 0 : 1);
         server.closeInput();
         EXPECT_EQ(server.waitForExit(), 0);  // every queued record is written before it exits
-        EXPECT_EQ(records(), expected);
+        // The audit lines, without their time.
+        std::vector<json> records;
+        for (const std::string& line : splitLines(readFile(log).value_or(""))) {
+            json record = json::parse(line, nullptr, false);
+            EXPECT_TRUE(record.is_object() && record.erase("ts") == 1) << line;
+            records.push_back(std::move(record));
+        }
+        EXPECT_EQ(records, expected);
     }
 }
 

@@ -32,34 +32,24 @@ std::optional<std::filesystem::path> findOnPath(std::string_view program) {
     return std::nullopt;
 }
 
-class SDKClientTest : public ThrowawayUserTest {
-protected:
-    void SetUp() override {
-        ThrowawayUserTest::SetUp();
-        if (IsSkipped()) {
-            return;
-        }
-        node_ = findOnPath("node");
-        if (!node_) {
-            GTEST_SKIP() << "Node.js is not installed (Debian package nodejs); scripts/test.sh "
-                            "installs it";
-        }
-        if (!std::filesystem::exists(kInteropDirectory /
-                                     "node_modules/@modelcontextprotocol/sdk/package.json")) {
-            GTEST_SKIP() << "the MCP SDK is not installed in build/interop: scripts/test.sh "
-                            "installs it from the npm registry";
-        }
-        std::filesystem::copy_file(kClientSource, kInteropDirectory / "client.mjs",
-                                   std::filesystem::copy_options::overwrite_existing);
-    }
-
-    std::optional<std::filesystem::path> node_;
-};
+using SDKClientTest = ThrowawayUserTest;
 
 TEST_F(SDKClientTest, AcceptsEveryResponseOfAWholeSession) {
+    const std::optional<std::filesystem::path> node = findOnPath("node");
+    if (!node) {
+        GTEST_SKIP() << "Node.js is not installed (Debian package nodejs); scripts/test.sh "
+                        "installs it";
+    }
+    if (!std::filesystem::exists(kInteropDirectory /
+                                 "node_modules/@modelcontextprotocol/sdk/package.json")) {
+        GTEST_SKIP() << "the MCP SDK is not installed in build/interop: scripts/test.sh "
+                        "installs it from the npm registry";
+    }
+    std::filesystem::copy_file(kClientSource, kInteropDirectory / "client.mjs",
+                               std::filesystem::copy_options::overwrite_existing);
     ProcessOptions options = asUser({(kInteropDirectory / "client.mjs").string(), ORVO_BINARY_PATH},
                                     {{"HOME", user_->home.string()}});
-    options.program = node_->string();
+    options.program = node->string();
     ServerProcess client(options);
     const std::optional<std::string> line = client.readLine(std::chrono::seconds(60));
     EXPECT_EQ(client.waitForExit(), 0);
