@@ -1,16 +1,14 @@
 // Runs the real orvo-agent-mcp binary over pipes, as an agent would.
 #include "support/ServerProcess.h"
 
-#include <cerrno>
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
 
-#include <fcntl.h>
 #include <grp.h>
-#include <poll.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -23,10 +21,6 @@ namespace orvo::test {
 namespace {
 
 constexpr std::size_t kNoLimit = std::string::npos;
-
-long long remainingMs(IOClock::time_point deadline) {
-    return std::chrono::duration_cast<std::chrono::milliseconds>(deadline - IOClock::now()).count();
-}
 
 // The strings as execve wants them, ending in a null pointer.
 std::vector<char*> nullTerminated(std::vector<std::string>& strings) {
@@ -115,11 +109,6 @@ ServerProcess::ServerProcess(ProcessOptions options) {
     input_.reset(child.input);
     output_.reset(child.output);
     error_.reset(child.error);
-    for (const int fd : {child.output, child.error}) {
-        if (fd >= 0) {
-            ::fcntl(fd, F_SETFL, O_NONBLOCK);
-        }
-    }
     // A write to a server that has gone fails with EPIPE instead of ending the test run.
     ::signal(SIGPIPE, SIG_IGN);
 }
@@ -145,13 +134,13 @@ std::optional<std::string> ServerProcess::readLine(std::chrono::milliseconds tim
             outputBuffer_.erase(0, end + 1);
             return line;
         }
-        if (!output_ || IOClock::now() >= deadline) {
+        const IOClock::time_point now = IOClock::now();
+        if (!output_ || now >= deadline) {
             return std::nullopt;
         }
-        pollfd ready{output_.get(), POLLIN, 0};
-        ::poll(&ready, 1, static_cast<int>(remainingMs(deadline)));
-        // The read takes all that has come; it ends at EAGAIN unless output has ended.
-        if (readUpTo(output_.get(), outputBuffer_, kNoLimit).status != IOStatus::timedOut) {
+        // Short slices, so that a line is returned soon after it arrives.
+        if (readUpTo(output_.get(), outputBuffer_, kNoLimit, std::min(deadline, now + 5ms))
+                .status != IOStatus::timedOut) {
             output_.reset();
         }
     }

@@ -71,7 +71,7 @@ private:
 
     pid_t pid_ = -1;
     UniqueFd input_;
-    UniqueFd output_;  // non-blocking, as is error_
+    UniqueFd output_;
     UniqueFd error_;
     std::string outputBuffer_;
     std::string errorText_;
