@@ -2,6 +2,7 @@
 #include "support/ServerProcess.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -9,7 +10,6 @@
 #include <thread>
 
 #include <grp.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -25,6 +25,7 @@ constexpr std::size_t kNoLimit = std::string::npos;
 // The strings as execve wants them, ending in a null pointer.
 std::vector<char*> nullTerminated(std::vector<std::string>& strings) {
     std::vector<char*> pointers;
+    pointers.reserve(strings.size() + 1);
     for (std::string& text : strings) {
         pointers.push_back(text.data());
     }
@@ -39,7 +40,9 @@ int exitCode(int status) {
 }  // namespace
 
 SpawnedProcess spawnProcess(const ProcessOptions& options) {
-    int in[2], out[2], err[2] = {-1, -1};
+    int in[2];
+    int out[2];
+    int err[2] = {-1, -1};
     if (openPipe(in) != 0 || openPipe(out) != 0 ||
         (options.pipeStandardError && openPipe(err) != 0)) {
         throw std::runtime_error("pipe failed");
@@ -51,7 +54,7 @@ SpawnedProcess spawnProcess(const ProcessOptions& options) {
                            options.arguments.end());
     std::vector<std::string> environmentStrings{"PATH=/usr/bin:/bin"};
     for (const auto& [key, value] : options.environment) {
-        environmentStrings.push_back(key + "=" + value);
+        environmentStrings.push_back(std::string(key).append("=").append(value));
     }
     std::vector<char*> argv = nullTerminated(argumentStrings);
     std::vector<char*> envp = nullTerminated(environmentStrings);
@@ -103,14 +106,14 @@ SpawnedProcess spawnProcess(const ProcessOptions& options) {
     return child;
 }
 
-ServerProcess::ServerProcess(ProcessOptions options) {
+ServerProcess::ServerProcess(const ProcessOptions& options) {
     const SpawnedProcess child = spawnProcess(options);
     pid_ = child.pid;
     input_.reset(child.input);
     output_.reset(child.output);
     error_.reset(child.error);
     // A write to a server that has gone fails with EPIPE instead of ending the test run.
-    ::signal(SIGPIPE, SIG_IGN);
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
 }
 
 ServerProcess::~ServerProcess() {

@@ -43,7 +43,7 @@ SpawnedProcess spawnProcess(const ProcessOptions& options);
 
 class ServerProcess {
 public:
-    explicit ServerProcess(ProcessOptions options = {});
+    explicit ServerProcess(const ProcessOptions& options = {});
     ~ServerProcess();
     ServerProcess(const ServerProcess&) = delete;
     ServerProcess& operator=(const ServerProcess&) = delete;

@@ -48,6 +48,7 @@ const ThrowawayUser* ThrowawayUser::get(std::string& whyNot) {
         std::filesystem::remove_all(user->home);
         return nullptr;
     }
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): the one lookup, before any test thread starts
     const passwd* entry = ::getpwnam(user->name.c_str());
     if (entry == nullptr) {
         whyNot = "the new user is not in the user database";
@@ -58,7 +59,7 @@ const ThrowawayUser* ThrowawayUser::get(std::string& whyNot) {
     [[maybe_unused]] const int ignored = ::lchown(user->home.c_str(), user->uid, user->gid);
     std::filesystem::permissions(user->home, std::filesystem::perms(0755));
     gUser = std::move(user);
-    std::atexit(removeUser);
+    static_cast<void>(std::atexit(removeUser));
     return gUser.get();
 }
 
