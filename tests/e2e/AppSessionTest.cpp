@@ -8,26 +8,20 @@
 namespace orvo::test {
 namespace {
 
-class AppSessionTest : public UserAppTest {
-protected:
-    std::unique_ptr<ServerProcess> startServer(std::vector<std::string> arguments = {}) {
-        ProcessOptions options = asUser();
-        options.arguments = std::move(arguments);
-        return std::make_unique<ServerProcess>(options);
-    }
-};
+using AppSessionTest = UserAppTest;
 
 TEST_F(AppSessionTest, EveryForwardedToolReachesTheAppUnchanged) {
-    auto server = startServer({"--agent", "claude"});
+    ServerProcess server(asUser({"--agent", "claude"}));
     const ToolRegistry registry = ToolRegistry::assemble(registeredTools(), {});
-    std::vector<std::string> forwarded;
+    std::size_t forwarded = 0;
     const json arguments = {{"not_in_any_schema", {1, "a/b", nullptr}}, {"templateName", nullptr}};
     int id = 0;
     for (const MCPTool* tool : registry.tools()) {
         const std::string name(tool->name());
+        SCOPED_TRACE(name);
         const std::size_t before = app_->received().size();
-        const json response = server->request(toolCall(++id, name, arguments));
-        ASSERT_TRUE(response.contains("result") || response.contains("error")) << name;
+        const json response = server.request(toolCall(++id, name, arguments));
+        ASSERT_TRUE(response.contains("result") || response.contains("error"));
         // Tools that read the user's context also ask the app for its audible cue, on the side.
         const std::vector<ReceivedRequest> received = app_->received();
         auto call = std::find_if(
@@ -36,8 +30,7 @@ TEST_F(AppSessionTest, EveryForwardedToolReachesTheAppUnchanged) {
         if (call == received.end()) {
             continue;  // answered locally
         }
-        forwarded.push_back(name);
-        SCOPED_TRACE(name);
+        ++forwarded;
         json expected = arguments;
         expected["_agent"] = "claude";
         if (name.starts_with("computer_")) {
@@ -48,47 +41,30 @@ TEST_F(AppSessionTest, EveryForwardedToolReachesTheAppUnchanged) {
                   json::parse(R"({"content":[{"type":"text","text":"{}"}],"isError":false})"));
     }
     // Everything but the tools that answer from local files goes to the app.
-    EXPECT_GE(forwarded.size(), registry.tools().size() - 8);
+    EXPECT_GE(forwarded, registry.tools().size() - 8);
 }
 
 TEST_F(AppSessionTest, RefusalsAndOddResultsReachTheAgentAsErrors) {
     app_->on("get_meeting_notes",
              errorReply("consent_denied", "Denied", json{{"code", "x"}, {"n", 1}}));
     app_->on("list_meetings", successReply("just text"));
-    auto server = startServer();
-    EXPECT_EQ(server->request(toolCall(1, "get_meeting_notes", {{"id", "m-42"}})),
+    ServerProcess server(asUser());
+    EXPECT_EQ(server.request(toolCall(1, "get_meeting_notes", {{"id", "m-42"}})),
               json::parse(R"({"jsonrpc":"2.0","id":1,"error":{"code":-32012,"message":"Denied",
                   "data":{"code":"consent_denied","n":1}}})"));
-    EXPECT_EQ(server->request(toolCall(2, "list_meetings")),
+    EXPECT_EQ(server.request(toolCall(2, "list_meetings")),
               json::parse(R"({"jsonrpc":"2.0","id":2,"error":{"code":-32603,
                   "message":"Internal error: tool result is not a JSON object or array"}})"));
-
-    // Nesting past the reply limit is malformed, from ordinary and computer-use tools alike, and
-    // the server goes on. Deep nesting within it cannot multiply the reply by its indentation.
-    const std::string deep = std::string(100000, '[') + std::string(100000, ']');
-    app_->on("get_meeting_notes",
-             FakeReply{std::string(R"({"ok":false,"error":{"code":"refused","data":)")
-                           .append(deep)
-                           .append("}}")});
-    app_->on("computer_inspect",
-             FakeReply{std::string(R"({"ok":true,"result":)").append(deep) + "}"});
-    for (const char* tool : {"get_meeting_notes", "computer_inspect"}) {
-        SCOPED_TRACE(tool);
-        EXPECT_EQ(server->request(toolCall(3, tool)),
-                  json::parse(R"({"jsonrpc":"2.0","id":3,"error":{"code":-32002,
-                      "message":"Malformed response from Orvo: response was not a JSON object"}})"));
-    }
+    // Deep nesting in a wide result cannot multiply the answer by its indentation.
     std::string wide = std::string(R"({"ok":true,"result":)").append(250, '[').append("0");
     for (int i = 0; i < 100000; ++i) {
         wide.append(",0");
     }
     app_->on("list_meetings", FakeReply{wide.append(250, ']').append("}")});
-    server->sendLine(dumpCompact(toolCall(4, "list_meetings")));
-    const std::optional<std::string> line = server->readLine();
+    server.sendLine(dumpCompact(toolCall(3, "list_meetings")));
+    const std::optional<std::string> line = server.readLine();
     ASSERT_TRUE(line);
     EXPECT_LT(line->size(), 4 * wide.size());
-    EXPECT_EQ(server->request({{"jsonrpc", "2.0"}, {"id", 5}, {"method", "ping"}}),
-              json::parse(R"({"jsonrpc":"2.0","id":5,"result":{}})"));
 }
 
 // Limits, duplicates and cancellation are the server's unit tests; what only a real process
@@ -96,31 +72,32 @@ TEST_F(AppSessionTest, RefusalsAndOddResultsReachTheAgentAsErrors) {
 TEST_F(AppSessionTest, EndOfInputAbandonsTheCallsInFlightAndExits) {
     app_->on("computer_inspect", heldReply());
     app_->on("computer_click", heldReply());
-    auto server = startServer();
-    server->sendLine(dumpCompact(toolCall(1, "computer_click")));
-    server->sendLine(dumpCompact(toolCall(2, "computer_inspect")));
-    server->sendLine(dumpCompact(toolCall(3, "computer_inspect")));
+    ServerProcess server(asUser());
+    int id = 0;
+    for (const char* tool : {"computer_click", "computer_inspect", "computer_inspect"}) {
+        server.sendLine(dumpCompact(toolCall(++id, tool)));
+    }
     ASSERT_TRUE(app_->waitForRequests(3));
-    server->closeInput();
-    EXPECT_EQ(server->waitForExit(), 0);
+    server.closeInput();
+    EXPECT_EQ(server.waitForExit(), 0);
     EXPECT_TRUE(app_->waitForFinished(3));
     for (const ReceivedRequest& request : app_->received()) {
         EXPECT_TRUE(request.disconnected);
     }
-    EXPECT_EQ(server->readLine(std::chrono::milliseconds(100)), std::nullopt);
+    EXPECT_EQ(server.readLine(std::chrono::milliseconds(100)), std::nullopt);
 }
 
 TEST_F(AppSessionTest, AnswersDoNotWaitForAToolThatWaitsForTheApp) {
     FakeReply slow = successReply(json::object());
     slow.delay = 1500ms;
     app_->on("list_meetings", slow);
-    auto server = startServer();
-    ASSERT_EQ(server->request(json{{"jsonrpc", "2.0"}, {"id", 0}, {"method", "ping"}})["id"], 0);
+    ServerProcess server(asUser());
+    ASSERT_EQ(server.request({{"id", 0}, {"method", "ping"}})["id"], 0);
     // Read together, so the ping's answer could be held back for the tool's.
-    server->send(R"({"jsonrpc":"2.0","id":1,"method":"ping"})"
-                 "\n" +
-                 dumpCompact(toolCall(2, "list_meetings")) + "\n");
-    EXPECT_EQ(server->readLine(1000ms), R"({"id":1,"jsonrpc":"2.0","result":{}})");
+    server.send(R"({"id":1,"method":"ping"})"
+                "\n" +
+                dumpCompact(toolCall(2, "list_meetings")) + "\n");
+    EXPECT_EQ(server.readLine(1000ms), R"({"id":1,"jsonrpc":"2.0","result":{}})");
 }
 
 }  // namespace

@@ -18,13 +18,12 @@ const session = {};
 try {
     await client.connect(transport, options);
     session.serverInfo = client.getServerVersion();
-    session.capabilities = client.getServerCapabilities();
-    session.instructions = client.getInstructions();
-    session.tools = (await client.listTools({}, options)).tools.map((tool) => tool.name);
-    session.prompts = (await client.listPrompts({}, options)).prompts;
-    session.prompt = await client.getPrompt({ name: 'speak_every_reply' }, options);
+    // Each answer is checked against the SDK's schemas as it arrives.
+    await client.listTools({}, options);
+    await client.listPrompts({}, options);
+    await client.getPrompt({ name: 'speak_every_reply' }, options);
+    await client.callTool({ name: 'current_settings' }, undefined, options);
     session.version = await client.callTool({ name: 'orvo_version' }, undefined, options);
-    session.settings = await client.callTool({ name: 'current_settings' }, undefined, options);
     try {
         session.forwarded = await client.callTool({ name: 'list_meetings' }, undefined, options);
     } catch (error) {

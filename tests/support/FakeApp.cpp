@@ -12,22 +12,12 @@
 
 #include "applink/Platform.h"
 #include "protocol/AppEnvelope.h"
+#include "protocol/DescriptorIO.h"
 #include "protocol/MCPDisconnectCancellation.h"
-#include "protocol/Platform.h"
 #include "support/Platform.h"
 
 namespace orvo::test {
 namespace {
-
-void writeAllBytes(int fd, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const long n = sendWithoutSigpipe(fd, bytes.data(), bytes.size(), /*dontWait=*/false);
-        if (n <= 0) {
-            return;
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(n));
-    }
-}
 
 // The request line; a client sends nothing after it but its half-close.
 std::optional<std::string> readRequestLine(int fd) {
@@ -63,15 +53,9 @@ FakeReply successReply(const json& result) {
 
 FakeReply errorReply(std::string_view rawCode, std::string_view message,
                      const std::optional<json>& data) {
-    // Codes outside the app's vocabulary are written by hand, as a misbehaving app would.
-    if (std::optional<MCPMutationErrorCode> code = mutationErrorCode(rawCode)) {
-        return FakeReply{*encodeMCPMutationError(*code, message, data)};
-    }
-    json error = {{"code", rawCode}, {"message", message}};
-    if (data) {
-        error["data"] = *data;
-    }
-    return FakeReply{dumpCompact(json{{"ok", false}, {"error", error}}) + "\n"};
+    const MCPMutationErrorCode code =
+        mutationErrorCode(rawCode).value_or(MCPMutationErrorCode::internal_error);
+    return FakeReply{*encodeMCPMutationError(code, message, data)};
 }
 
 FakeApp::FakeApp(std::filesystem::path socketPath, std::optional<std::pair<uid_t, gid_t>> owner)
@@ -79,10 +63,8 @@ FakeApp::FakeApp(std::filesystem::path socketPath, std::optional<std::pair<uid_t
     std::filesystem::create_directories(path_.parent_path());
     std::filesystem::remove(path_);
     // The peer credentials a client sees are those of whoever called listen().
-    if (owner) {
-        if (::setegid(owner->second) != 0 || ::seteuid(owner->first) != 0) {
-            throw std::runtime_error("cannot take the fake app's user id");
-        }
+    if (owner && (::setegid(owner->second) != 0 || ::seteuid(owner->first) != 0)) {
+        throw std::runtime_error("cannot take the fake app's user id");
     }
     listener_ = openLocalSocket();
     sockaddr_un address{};
@@ -104,20 +86,15 @@ FakeApp::~FakeApp() {
     {
         std::lock_guard<std::mutex> guard(lock_);
         stopping_ = true;
-    }
-    changed_.notify_all();
-    ::shutdown(listener_, SHUT_RDWR);
-    {
-        std::lock_guard<std::mutex> guard(lock_);
+        ::shutdown(listener_, SHUT_RDWR);
         for (int fd : connections_) {
             ::shutdown(fd, SHUT_RDWR);
         }
     }
+    changed_.notify_all();
     acceptor_.join();
-    {
-        std::unique_lock<std::mutex> guard(lock_);
-        changed_.wait(guard, [this] { return liveServers_ == 0; });
-    }
+    std::unique_lock<std::mutex> guard(lock_);
+    changed_.wait(guard, [this] { return liveServers_ == 0; });
     ::close(listener_);
     std::error_code ignored;
     std::filesystem::remove(path_, ignored);
@@ -190,7 +167,7 @@ void FakeApp::serve(int fd) {
                 break;
             }
             guard.unlock();
-            writeAllBytes(fd, std::string_view(reply.bytes).substr(at, piece));
+            sendAll(fd, std::string_view(reply.bytes).substr(at, piece));
             pause = reply.trickle;
         }
     }

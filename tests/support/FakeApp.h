@@ -8,7 +8,6 @@
 #include <map>
 #include <mutex>
 #include <optional>
-#include <ostream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -16,7 +15,6 @@
 #include <sys/types.h>
 
 #include "protocol/Json.h"
-#include "protocol/RPCError.h"
 
 namespace orvo::test {
 
@@ -37,7 +35,8 @@ inline FakeReply heldReply() {
     return reply;
 }
 
-// The app's success and error replies, made with the app side's own encoders.
+// The app's success and error replies, made with the app side's own encoders; `rawCode` is one
+// of the app's error codes.
 FakeReply successReply(const json& result);
 FakeReply errorReply(std::string_view rawCode, std::string_view message,
                      const std::optional<json>& data = std::nullopt);
@@ -92,11 +91,3 @@ private:
 };
 
 }  // namespace orvo::test
-
-namespace orvo {
-// Readable failures for errors in expectations.
-inline void PrintTo(const RPCError& error, std::ostream* out) {
-    *out << "{" << error.code << ", \"" << error.message << "\""
-         << (error.data ? ", " + dumpCompact(*error.data) : std::string()) << "}";
-}
-}  // namespace orvo

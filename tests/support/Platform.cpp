@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <fstream>
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <pwd.h>
 #include <sys/socket.h>
@@ -43,14 +42,11 @@ int runQuietly(const std::string& command) {
 
 std::size_t countDirectoryEntries(const char* path) {
     std::size_t count = 0;
-    DIR* dir = ::opendir(path);
-    if (dir == nullptr) {
-        return 0;
-    }
-    for (const dirent* entry = ::readdir(dir); entry != nullptr; entry = ::readdir(dir)) {
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(path, error), end; !error && entry != end;
+         entry.increment(error)) {
         ++count;
     }
-    ::closedir(dir);
     return count;
 }
 
@@ -87,8 +83,8 @@ int acceptConnection(int listener) {
 }
 
 std::size_t openDescriptorCount() {
-    // Both list this process's descriptors as directory entries (with "." and "..", and the
-    // descriptor of the listing itself, which only shifts every count alike).
+    // Both list this process's descriptors as directory entries (with the descriptor of the
+    // listing itself, which only shifts every count alike).
 #if defined(__APPLE__)
     return countDirectoryEntries("/dev/fd");
 #elif defined(__linux__)

@@ -1,42 +1,48 @@
 // Runs the real orvo-agent-mcp binary over pipes, as an agent would.
 #include "support/ServerProcess.h"
 
-#include <cerrno>
+#include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+#include <thread>
 
-#include <fcntl.h>
 #include <grp.h>
-#include <poll.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "protocol/DescriptorIO.h"
 #include "support/Platform.h"
 
 namespace orvo::test {
 namespace {
 
-void closeFd(int& fd) {
-    if (fd >= 0) {
-        ::close(fd);
-        fd = -1;
+constexpr std::size_t kNoLimit = std::string::npos;
+
+// The strings as execve wants them, ending in a null pointer.
+std::vector<char*> nullTerminated(std::vector<std::string>& strings) {
+    std::vector<char*> pointers;
+    pointers.reserve(strings.size() + 1);
+    for (std::string& text : strings) {
+        pointers.push_back(text.data());
     }
+    pointers.push_back(nullptr);
+    return pointers;
 }
 
-long long remainingMs(std::chrono::steady_clock::time_point deadline) {
-    return std::chrono::duration_cast<std::chrono::milliseconds>(deadline -
-                                                                 std::chrono::steady_clock::now())
-        .count();
+int exitCode(int status) {
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
 }  // namespace
 
 SpawnedProcess spawnProcess(const ProcessOptions& options) {
-    int in[2], out[2], err[2] = {-1, -1};
+    int in[2];
+    int out[2];
+    int err[2] = {-1, -1};
     if (openPipe(in) != 0 || openPipe(out) != 0 ||
         (options.pipeStandardError && openPipe(err) != 0)) {
         throw std::runtime_error("pipe failed");
@@ -46,20 +52,12 @@ SpawnedProcess spawnProcess(const ProcessOptions& options) {
     std::vector<std::string> argumentStrings{options.program};
     argumentStrings.insert(argumentStrings.end(), options.arguments.begin(),
                            options.arguments.end());
-    std::vector<char*> argv;
-    for (std::string& argument : argumentStrings) {
-        argv.push_back(argument.data());
-    }
-    argv.push_back(nullptr);
     std::vector<std::string> environmentStrings{"PATH=/usr/bin:/bin"};
     for (const auto& [key, value] : options.environment) {
-        environmentStrings.push_back(key + "=" + value);
+        environmentStrings.push_back(std::string(key).append("=").append(value));
     }
-    std::vector<char*> envp;
-    for (std::string& entry : environmentStrings) {
-        envp.push_back(entry.data());
-    }
-    envp.push_back(nullptr);
+    std::vector<char*> argv = nullTerminated(argumentStrings);
+    std::vector<char*> envp = nullTerminated(environmentStrings);
 
     SpawnedProcess child;
     if (!options.uid && !options.gid) {
@@ -89,13 +87,8 @@ SpawnedProcess spawnProcess(const ProcessOptions& options) {
             if (err[1] >= 0) {
                 ::dup2(err[1], STDERR_FILENO);
             }
-            if (options.gid && (::setgroups(0, nullptr) != 0 || ::setgid(*options.gid) != 0)) {
-                ::_exit(126);
-            }
-            if (options.uid && ::setuid(*options.uid) != 0) {
-                ::_exit(126);
-            }
-            if (::chdir("/") != 0) {
+            if ((options.gid && (::setgroups(0, nullptr) != 0 || ::setgid(*options.gid) != 0)) ||
+                (options.uid && ::setuid(*options.uid) != 0) || ::chdir("/") != 0) {
                 ::_exit(126);
             }
             ::execve(argv[0], argv.data(), envp.data());
@@ -104,105 +97,74 @@ SpawnedProcess spawnProcess(const ProcessOptions& options) {
     }
     ::close(in[0]);
     ::close(out[1]);
-    closeFd(err[1]);
+    if (err[1] >= 0) {
+        ::close(err[1]);
+    }
     child.input = in[1];
     child.output = out[0];
     child.error = err[0];
     return child;
 }
 
-ServerProcess::ServerProcess(ProcessOptions options) {
+ServerProcess::ServerProcess(const ProcessOptions& options) {
     const SpawnedProcess child = spawnProcess(options);
     pid_ = child.pid;
-    input_ = child.input;
-    output_ = child.output;
-    error_ = child.error;
-    if (error_ >= 0) {
-        ::fcntl(error_, F_SETFL, O_NONBLOCK);
-    }
+    input_.reset(child.input);
+    output_.reset(child.output);
+    error_.reset(child.error);
+    // A write to a server that has gone fails with EPIPE instead of ending the test run.
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
 }
 
 ServerProcess::~ServerProcess() {
     closeInput();
     kill();
-    closeFd(output_);
-    closeFd(error_);
 }
 
 void ServerProcess::send(std::string_view bytes) {
-    // A full pipe must not dead-lock the test: stdout is drained into the buffer meanwhile.
-    std::size_t written = 0;
-    while (written < bytes.size()) {
-        pollfd fds[2] = {{input_, POLLOUT, 0}, {output_, POLLIN, 0}};
-        ::poll(fds, output_ >= 0 ? 2 : 1, 1000);
-        if (fds[0].revents & (POLLERR | POLLHUP)) {
-            return;
-        }
-        if (fds[1].revents & POLLIN) {
-            char chunk[65536];
-            const ssize_t n = ::read(output_, chunk, sizeof chunk);
-            if (n > 0) {
-                outputBuffer_.append(chunk, static_cast<std::size_t>(n));
-            }
-        }
-        if (fds[0].revents & POLLOUT) {
-            ::signal(SIGPIPE, SIG_IGN);
-            const ssize_t n = ::write(input_, bytes.data() + written,
-                                      std::min<std::size_t>(bytes.size() - written, 65536));
-            if (n < 0 && errno != EINTR && errno != EAGAIN) {
-                return;
-            }
-            if (n > 0) {
-                written += static_cast<std::size_t>(n);
-            }
-        }
-    }
+    writeAll(input_.get(), bytes);
 }
 
 void ServerProcess::sendLine(std::string_view line) {
-    std::string bytes(line);
-    bytes.push_back('\n');
-    send(bytes);
+    send(std::string(line) + "\n");
 }
 
 std::optional<std::string> ServerProcess::readLine(std::chrono::milliseconds timeout) {
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    const IOClock::time_point deadline = IOClock::now() + timeout;
     for (;;) {
-        const auto newline = outputBuffer_.find('\n');
-        if (newline != std::string::npos) {
-            std::string line = outputBuffer_.substr(0, newline);
-            outputBuffer_.erase(0, newline + 1);
+        if (const std::size_t end = outputBuffer_.find('\n'); end != std::string::npos) {
+            std::string line = outputBuffer_.substr(0, end);
+            outputBuffer_.erase(0, end + 1);
             return line;
         }
-        const long long left = remainingMs(deadline);
-        if (left <= 0 || output_ < 0) {
+        const IOClock::time_point now = IOClock::now();
+        if (!output_ || now >= deadline) {
             return std::nullopt;
         }
-        pollfd fd{output_, POLLIN, 0};
-        if (::poll(&fd, 1, static_cast<int>(left)) <= 0) {
-            continue;
+        // Short slices, so that a line is returned soon after it arrives.
+        if (readUpTo(output_.get(), outputBuffer_, kNoLimit, std::min(deadline, now + 5ms))
+                .status != IOStatus::timedOut) {
+            output_.reset();
         }
-        char chunk[65536];
-        const ssize_t n = ::read(output_, chunk, sizeof chunk);
-        if (n <= 0) {
-            closeFd(output_);
-            continue;
-        }
-        outputBuffer_.append(chunk, static_cast<std::size_t>(n));
     }
 }
 
 json ServerProcess::request(const json& message) {
     sendLine(dumpCompact(message));
-    std::optional<std::string> line = readLine();
-    if (!line) {
+    return json::parse(readLine().value_or("null"), nullptr, false);
+}
+
+json ServerProcess::callTool(const json& id, std::string_view name, const json& arguments) {
+    const json response = request(toolCall(id, name, arguments));
+    const json* result = response.is_object() ? member(response, "result") : nullptr;
+    if (result == nullptr) {
         return nullptr;
     }
-    return json::parse(*line, nullptr, false);
+    return json::parse((*result)["content"][0].value("text", ""), nullptr, false);
 }
 
 void ServerProcess::closeInput() {
-    closeFd(input_);
+    input_.reset();
 }
 
 void ServerProcess::kill(int signal) {
@@ -210,47 +172,34 @@ void ServerProcess::kill(int signal) {
         ::kill(pid_, signal);
         int status = 0;
         ::waitpid(pid_, &status, 0);
-        exitStatus_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        exitStatus_ = exitCode(status);
     }
 }
 
 std::optional<int> ServerProcess::waitForExit(std::chrono::milliseconds timeout) {
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (!exitStatus_) {
+    const IOClock::time_point deadline = IOClock::now() + timeout;
+    while (!exitStatus_ && IOClock::now() < deadline) {
         int status = 0;
-        const pid_t done = ::waitpid(pid_, &status, WNOHANG);
-        if (done == pid_) {
-            exitStatus_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-            break;
+        if (::waitpid(pid_, &status, WNOHANG) == pid_) {
+            exitStatus_ = exitCode(status);
+        } else if (error_) {
+            drainStandardError(10ms);  // a child blocked on a full pipe would never exit
+        } else {
+            std::this_thread::sleep_for(10ms);
         }
-        if (remainingMs(deadline) <= 0) {
-            return std::nullopt;
-        }
-        drainStandardError(10);
     }
     return exitStatus_;
 }
 
-void ServerProcess::drainStandardError(int timeoutMs) {
-    if (error_ < 0) {
-        return;
-    }
-    pollfd fd{error_, POLLIN, 0};
-    if (::poll(&fd, 1, timeoutMs) <= 0) {
-        return;
-    }
-    char chunk[4096];
-    ssize_t n;
-    while ((n = ::read(error_, chunk, sizeof chunk)) > 0) {
-        errorText_.append(chunk, static_cast<std::size_t>(n));
-    }
-    if (n == 0) {
-        closeFd(error_);
+void ServerProcess::drainStandardError(std::chrono::milliseconds wait) {
+    if (error_ && readUpTo(error_.get(), errorText_, kNoLimit, IOClock::now() + wait).status ==
+                      IOStatus::done) {
+        error_.reset();
     }
 }
 
 std::string ServerProcess::standardError() {
-    drainStandardError(exitStatus_ ? 1000 : 50);
+    drainStandardError(exitStatus_ ? 1000ms : 50ms);
     return errorText_;
 }
 

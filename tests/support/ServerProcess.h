@@ -14,6 +14,7 @@
 #include <sys/types.h>
 
 #include "protocol/Json.h"
+#include "protocol/UniqueFd.h"
 
 namespace orvo::test {
 
@@ -42,7 +43,7 @@ SpawnedProcess spawnProcess(const ProcessOptions& options);
 
 class ServerProcess {
 public:
-    explicit ServerProcess(ProcessOptions options = {});
+    explicit ServerProcess(const ProcessOptions& options = {});
     ~ServerProcess();
     ServerProcess(const ServerProcess&) = delete;
     ServerProcess& operator=(const ServerProcess&) = delete;
@@ -53,6 +54,8 @@ public:
     std::optional<std::string> readLine(std::chrono::milliseconds timeout = 10s);
     // Sends one request line and returns the parsed response line (null when none came).
     json request(const json& message);
+    // Sends one tools/call and returns the JSON in its result's text (null when there is none).
+    json callTool(const json& id, std::string_view name, const json& arguments = json::object());
     void closeInput();
     // Sends `signal` and waits for the process to end: SIGKILL ends it at once, as a crash or a
     // force quit would.
@@ -63,12 +66,13 @@ public:
     std::string standardError();
 
 private:
-    void drainStandardError(int timeoutMs);
+    // Takes what the process wrote to standard error, until it closes it or `wait` has passed.
+    void drainStandardError(std::chrono::milliseconds wait);
 
     pid_t pid_ = -1;
-    int input_ = -1;
-    int output_ = -1;
-    int error_ = -1;
+    UniqueFd input_;
+    UniqueFd output_;
+    UniqueFd error_;
     std::string outputBuffer_;
     std::string errorText_;
     std::optional<int> exitStatus_;

@@ -9,7 +9,6 @@
 #include <unistd.h>
 
 #include "support/Platform.h"
-#include "support/ServerProcess.h"
 
 namespace orvo::test {
 namespace {
@@ -22,10 +21,6 @@ void removeUser() {
         std::error_code error;
         std::filesystem::remove_all(gUser->home, error);
     }
-}
-
-void chownTree(const std::filesystem::path& path, uid_t uid, gid_t gid) {
-    [[maybe_unused]] int ignored = ::lchown(path.c_str(), uid, gid);
 }
 
 }  // namespace
@@ -53,6 +48,7 @@ const ThrowawayUser* ThrowawayUser::get(std::string& whyNot) {
         std::filesystem::remove_all(user->home);
         return nullptr;
     }
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): the one lookup, before any test thread starts
     const passwd* entry = ::getpwnam(user->name.c_str());
     if (entry == nullptr) {
         whyNot = "the new user is not in the user database";
@@ -60,33 +56,16 @@ const ThrowawayUser* ThrowawayUser::get(std::string& whyNot) {
     }
     user->uid = entry->pw_uid;
     user->gid = entry->pw_gid;
-    chownTree(user->home, user->uid, user->gid);
+    [[maybe_unused]] const int ignored = ::lchown(user->home.c_str(), user->uid, user->gid);
     std::filesystem::permissions(user->home, std::filesystem::perms(0755));
     gUser = std::move(user);
-    std::atexit(removeUser);
+    static_cast<void>(std::atexit(removeUser));
     return gUser.get();
 }
 
 void ThrowawayUser::resetHome() const {
     for (const auto& entry : std::filesystem::directory_iterator(home)) {
         std::filesystem::remove_all(entry.path());
-    }
-}
-
-std::filesystem::path ThrowawayUser::makeHomeDirectories(
-    const std::filesystem::path& relative) const {
-    std::filesystem::create_directories(home / relative);
-    for (std::filesystem::path path = home / relative; path != home; path = path.parent_path()) {
-        chownTree(path, uid, gid);
-    }
-    return home / relative;
-}
-
-void ThrowawayUser::writeHomeFile(const std::filesystem::path& relative,
-                                  std::string_view contents) const {
-    writeFile(home / relative, contents);
-    for (std::filesystem::path path = home / relative; path != home; path = path.parent_path()) {
-        chownTree(path, uid, gid);
     }
 }
 

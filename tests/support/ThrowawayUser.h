@@ -21,10 +21,6 @@ struct ThrowawayUser {
 
     // Empties the home, so that every test starts from nothing.
     void resetHome() const;
-    // Creates directories under the home, owned by the user; returns the deepest.
-    std::filesystem::path makeHomeDirectories(const std::filesystem::path& relative) const;
-    // Writes a file under the home, owned by the user.
-    void writeHomeFile(const std::filesystem::path& relative, std::string_view contents) const;
 };
 
 }  // namespace orvo::test

@@ -5,8 +5,11 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "protocol/MCPSocketPath.h"
 #include "support/FakeApp.h"
@@ -26,8 +29,11 @@ protected:
         user_->resetHome();
     }
     // A process of the real binary run as the user.
-    ProcessOptions asUser() const {
+    ProcessOptions asUser(std::vector<std::string> arguments = {},
+                          std::vector<std::pair<std::string, std::string>> environment = {}) const {
         ProcessOptions options;
+        options.arguments = std::move(arguments);
+        options.environment = std::move(environment);
         options.uid = user_->uid;
         options.gid = user_->gid;
         return options;
@@ -43,8 +49,10 @@ protected:
         if (IsSkipped()) {
             return;
         }
-        const auto socket = MCPSocketPath::resolve(user_->home);
-        user_->makeHomeDirectories(std::filesystem::relative(socket.parent_path(), user_->home));
+        // The app makes its socket as the user, so in a directory of the user's.
+        const std::filesystem::path socket = MCPSocketPath::resolve(user_->home);
+        std::filesystem::create_directories(socket.parent_path());
+        ASSERT_EQ(::chown(socket.parent_path().c_str(), user_->uid, user_->gid), 0);
         app_ = std::make_unique<FakeApp>(socket, std::pair{user_->uid, user_->gid});
     }
 
