@@ -122,11 +122,12 @@ TEST(ShellCommandClassifierTest, HelpAndDryRunAreNeverHeld) {
 }
 
 // A force push names its category whatever comes first; details are kept once each, and nested
-// text is shown as the outermost command that holds it.
+// text is shown as the outermost command that holds it, trimmed and cut to 240 characters.
 TEST(ShellCommandClassifierTest, MergesByCategoryWithTheOuterDetails) {
     const std::string push(kPush), force(kForcePush);
+    const std::string longCommand = "git push origin " + repeated("e\xCC\x81", 300);  // e + acute
     const struct {
-        std::string_view command;
+        std::string command;
         std::string merged;  // each match as its held text and " @ " its detail
     } cases[] = {
         {"git push origin dev; git push -f origin main",
@@ -137,10 +138,11 @@ TEST(ShellCommandClassifierTest, MergesByCategoryWithTheOuterDetails) {
         {"ls && echo 'git push' | sh && echo done", push + " @ echo 'git push' | sh"},
         {"bash -c \"echo 'git push' | sh; gh pr create\"",
          push + " @ bash -c \"echo 'git push' | sh; gh pr create\""},
+        {"\t " + longCommand + " \n", push + " @ " + longCommand.substr(0, 16 + 224 * 3)},
         {"", ""},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.command);
+        SCOPED_TRACE(c.command.substr(0, 80));
         std::string merged;
         for (const ActionHoldMatch& match : classifyCommand(c.command)) {
             merged.append(merged.empty() ? "" : "; ").append(heldActionText({match}));
@@ -148,13 +150,6 @@ TEST(ShellCommandClassifierTest, MergesByCategoryWithTheOuterDetails) {
         }
         EXPECT_EQ(merged, c.merged);
     }
-}
-
-TEST(ShellCommandClassifierTest, DetailIsTheTrimmedCommandCutTo240Characters) {
-    const std::string longCommand = "git push origin " + repeated("e\xCC\x81", 300);  // e + acute
-    const std::vector<ActionHoldMatch> matches = classifyCommand("\t " + longCommand + " \n");
-    ASSERT_EQ(matches.size(), 1u);
-    EXPECT_EQ(matches[0].detail, longCommand.substr(0, 16 + 224 * 3));
 }
 
 TEST(ShellCommandClassifierTest, HostileInputStaysFast) {
@@ -180,10 +175,6 @@ TEST(ShellCommandClassifierTest, HostileInputStaysFast) {
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
         EXPECT_LE(matches.size(), 1u);
     }
-    // Repeated details are kept once: seven branches, seven details.
-    const std::vector<ActionHoldMatch> pushes = classifyCommand(inputs[2]);
-    ASSERT_EQ(pushes.size(), 1u);
-    EXPECT_EQ(std::ranges::count(pushes[0].detail, '\xB7'), 6);
 }
 
 }  // namespace

