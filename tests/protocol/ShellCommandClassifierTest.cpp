@@ -12,31 +12,12 @@ namespace {
 
 using ActionHoldClassifier::classifyCommand;
 
-constexpr std::string_view kPush = "publishing|Pushing the branch|Push the branch";
-constexpr std::string_view kForcePush = "publishing|Force-pushing the branch|Force-push the branch";
-constexpr std::string_view kDeleteFiles = "deleting|Deleting files|Delete files";
-constexpr std::string_view kDiscard = "deleting|Discarding local changes|Discard local changes";
-constexpr std::string_view kPublish = "publishing|Publishing the package|Publish the package";
-constexpr std::string_view kCloudflare = "publishing|Deploying to Cloudflare|Deploy to Cloudflare";
-
 std::string repeated(std::string_view text, int times) {
     std::string out;
     for (int i = 0; i < times; ++i) {
         out += text;
     }
     return out;
-}
-
-struct Case {
-    std::string_view command;
-    std::string_view held;
-};
-
-void expectHeld(std::initializer_list<Case> cases) {
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.command);
-        EXPECT_EQ(heldActionText(classifyCommand(c.command)), c.held);
-    }
 }
 
 TEST(ShellCommandClassifierTest, LaunchersAssignmentsAndKeywordsAreSkipped) {

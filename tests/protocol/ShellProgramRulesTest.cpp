@@ -3,36 +3,17 @@
 
 #include <gtest/gtest.h>
 
-#include "protocol/ActionHoldClassifier.h"
 #include "support/HeldActionText.h"
 
 namespace orvo {
 namespace {
 
-struct Case {
-    std::string_view command;
-    std::string_view held;  // heldActionText of the result; empty when nothing is held
-};
-
-void expectHeld(std::initializer_list<Case> cases) {
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.command);
-        EXPECT_EQ(heldActionText(ActionHoldClassifier::classifyCommand(c.command)), c.held);
-    }
-}
-
-constexpr std::string_view kPush = "publishing|Pushing the branch|Push the branch";
-constexpr std::string_view kForcePush = "publishing|Force-pushing the branch|Force-push the branch";
 constexpr std::string_view kRemote = "deleting|Deleting a remote branch|Delete a remote branch";
-constexpr std::string_view kDiscard = "deleting|Discarding local changes|Discard local changes";
 constexpr std::string_view kDiscardFiles = "deleting|Discarding file changes|Discard file changes";
 constexpr std::string_view kDeleteBranch = "deleting|Deleting a branch|Delete a branch";
-constexpr std::string_view kPublish = "publishing|Publishing the package|Publish the package";
 constexpr std::string_view kUnpublish = "publishing|Unpublishing the package|Unpublish the package";
-constexpr std::string_view kCloudflare = "publishing|Deploying to Cloudflare|Deploy to Cloudflare";
 constexpr std::string_view kRelease = "publishing|Running the release|Run the release";
 constexpr std::string_view kDeployProject = "publishing|Deploying the project|Deploy the project";
-constexpr std::string_view kDeleteFiles = "deleting|Deleting files|Delete files";
 constexpr std::string_view kGitHubAPI = "services|Calling the GitHub API|Call the GitHub API";
 constexpr std::string_view kWebRequest = "services|Sending a web request|Send a web request";
 
