@@ -93,5 +93,20 @@ TEST(ToolRegistryDeathTest, TwoToolsWithOneNameStopTheProcess) {
     EXPECT_DEATH((void)ToolRegistry::assemble(tools, {}), "Duplicate values for key: 'speak'");
 }
 
+// A stale, incomplete or misescaped build-time entry would offer a tool other than it is, or fall
+// back to building it. The entries are compared as the compiler read their literals.
+TEST(ToolRegistryTest, BuildTimeEntriesMatchWhatTheToolsSerialiseToday) {
+    const auto generated = generatedToolListing();
+    EXPECT_TRUE(std::ranges::equal(generated, registeredTools(), {}, &PrecomputedListingEntry::name,
+                                   &MCPTool::name));
+    using enum MCPToolset;
+    const ToolSelection selections[] = {
+        {}, {false, {voice, slate}, false}, {true, {}, false}, {false, MCPToolsets::all(), true}};
+    for (const ToolSelection& selection : selections) {
+        const ToolRegistry registry = ToolRegistry::assemble(registeredTools(), selection);
+        EXPECT_EQ(listingText(registry, generated), listingText(registry, {}));
+    }
+}
+
 }  // namespace
 }  // namespace orvo

@@ -1,6 +1,12 @@
-#include "protocol/ActionHoldMatch.h"
+// The held-action types on the wire, and which tool calls reach which classifier.
+#include <string>
 
 #include <gtest/gtest.h>
+
+#include "protocol/ActionHoldCategory.h"
+#include "protocol/ActionHoldClassifier.h"
+#include "protocol/ActionHoldMatch.h"
+#include "support/HeldActionText.h"
 
 namespace orvo {
 namespace {
@@ -11,7 +17,7 @@ const ActionHoldMatch kForcePush{ActionHoldCategory::publishing,
 
 // The hook's request pins the flat wire value; the encoded form nests the phrase, and neither
 // form reads as the other.
-TEST(ActionHoldMatchTest, EveryCategoryRoundTripsThroughBothForms) {
+TEST(ActionHoldTest, EveryCategoryRoundTripsThroughBothForms) {
     EXPECT_EQ(
         dumpCompact(kForcePush.encode()),
         R"({"category":"publishing","detail":"git push -f",)"
@@ -25,7 +31,7 @@ TEST(ActionHoldMatchTest, EveryCategoryRoundTripsThroughBothForms) {
     }
 }
 
-TEST(ActionHoldMatchTest, WireDecodingNeedsCategoryAndBothPhrases) {
+TEST(ActionHoldTest, WireDecodingNeedsCategoryAndBothPhrases) {
     const auto patched = [](const json& patch) {  // a null in the patch removes the key
         json wire = kForcePush.wireValue();
         wire.merge_patch(patch);
@@ -47,6 +53,41 @@ TEST(ActionHoldMatchTest, WireDecodingNeedsCategoryAndBothPhrases) {
         SCOPED_TRACE(c.name);
         const std::optional<ActionHoldMatch> decoded = ActionHoldMatch::fromWireValue(c.wire);
         EXPECT_EQ(decoded ? std::optional(decoded->detail) : std::nullopt, c.detail);
+    }
+}
+
+TEST(ActionHoldTest, RawValuesReadOnlyWhenSpelledExactly) {
+    for (std::string_view other : {"On_Screen", "on-screen", "", " deleting", "agent_prompt"}) {
+        SCOPED_TRACE(other);
+        EXPECT_EQ(parseActionHoldCategory(other), std::nullopt);
+    }
+}
+
+// The app lists these in this order; prompts typed into other agents start switched off.
+TEST(ActionHoldTest, DefaultEnabledIsTheFirstSixCasesInOrder) {
+    std::string enabled;
+    for (ActionHoldCategory category : defaultEnabledActionHoldCategories()) {
+        enabled.append(enabled.empty() ? "" : ",").append(rawValue(category));
+    }
+    EXPECT_EQ(enabled, "publishing,messages,deleting,closing,services,on_screen");
+}
+
+TEST(ActionHoldTest, RoutesShellCallsAndOtherServersTools) {
+    const struct {
+        std::string_view tool;
+        json input;
+        std::string_view held;
+    } cases[] = {
+        {"Bash", {{"command", "git push"}}, "publishing|Pushing the branch|Push the branch"},
+        {"Bash", {{"command", 5}}, ""},
+        {"Bash", json::array(), ""},
+        {"bash", {{"command", "git push"}}, ""},
+        {"Read", {{"command", "git push"}, {"file_path", "/a"}}, ""},
+        {"mcp__x__trash", {}, "deleting|Deleting something in X|Delete something in X"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.tool);
+        EXPECT_EQ(heldActionText(ActionHoldClassifier::classify(c.tool, c.input)), c.held);
     }
 }
 
