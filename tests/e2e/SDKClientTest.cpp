@@ -32,7 +32,7 @@ std::optional<std::filesystem::path> findOnPath(std::string_view program) {
     return std::nullopt;
 }
 
-using SDKClientTest = ThrowawayUserTest;
+using SDKClientTest = UserAppTest;
 
 TEST_F(SDKClientTest, AcceptsEveryResponseOfAWholeSession) {
     const std::optional<std::filesystem::path> node = findOnPath("node");
@@ -45,6 +45,7 @@ TEST_F(SDKClientTest, AcceptsEveryResponseOfAWholeSession) {
         GTEST_SKIP() << "the MCP SDK is not installed in build/interop: scripts/test.sh "
                         "installs it from the npm registry";
     }
+    app_.reset();  // no app is running for the user
     std::filesystem::copy_file(kClientSource, kInteropDirectory / "client.mjs",
                                std::filesystem::copy_options::overwrite_existing);
     ProcessOptions options = asUser({(kInteropDirectory / "client.mjs").string(), ORVO_BINARY_PATH},
@@ -60,7 +61,6 @@ TEST_F(SDKClientTest, AcceptsEveryResponseOfAWholeSession) {
     // What each answer holds is ServerSessionTest's; what matters here is what the SDK made of it.
     EXPECT_EQ(session["serverInfo"], json({{"name", "orvo-agent"},
                                            {"version", session["version"]["content"][0]["text"]}}));
-    // No app is running for the throwaway user.
     EXPECT_EQ(session["forwardedError"],
               json({{"code", -32001},
                     {"message",

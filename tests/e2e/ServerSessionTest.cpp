@@ -3,10 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "server/Startup.h"
-#include "support/UserAppTest.h"
-#include "tools/ToolCatalog.h"
-#include "tools/ToolRegistry.h"
+#include "support/ServerProcess.h"
 
 namespace orvo::test {
 namespace {
@@ -30,6 +27,10 @@ std::string pong(std::string_view id) {
 }
 
 TEST(ServerSessionTest, AnswersEachLineWithTheExactResponse) {
+    std::string version =
+        readFile(std::filesystem::path(ORVO_BINARY_PATH).parent_path() / "../Resources/VERSION")
+            .value_or("");
+    version = version.substr(0, version.find('\n'));
     std::string deepest = nested(32);
     deepest.insert(1, R"("id":1,"method":"ping",)");
     // Exactly the line limit is still a line; one byte more is dropped with one diagnostic.
@@ -75,6 +76,10 @@ TEST(ServerSessionTest, AnswersEachLineWithTheExactResponse) {
          errorLine("null", -32600,
                    "Invalid Request: id is a number that cannot be echoed exactly")},
         {R"({"id":1e30,"method":"ping"})", pong("1e+30")},
+        // The version file is found from the path the binary was started by, as built.
+        {R"({"id":12,"method":"tools/call","params":{"name":"orvo_version"}})",
+         R"({"id":12,"jsonrpc":"2.0","result":{"content":[{"text":")" + version +
+             R"(","type":"text"}],"isError":false}})"},
     };
     ServerProcess server;
     for (const auto& c : cases) {
@@ -87,93 +92,19 @@ TEST(ServerSessionTest, AnswersEachLineWithTheExactResponse) {
     EXPECT_EQ(server.standardError(), "orvo-agent-mcp: dropped oversize line (>1048576 bytes)\n");
 }
 
-// The version file is found beside the binary itself, not beside the link the agent started.
-TEST(ServerSessionTest, VersionComesFromResourcesBesideTheRealBinary) {
-    TempDir dir;
-    const std::filesystem::path binary = dir.path() / "install/bin/orvo-agent-mcp";
-    writeFile(dir.path() / "install/Resources/VERSION", "1.4.2\n");
-    std::filesystem::create_directories(binary.parent_path());
-    std::filesystem::copy_file(ORVO_BINARY_PATH, binary);
-    std::filesystem::create_symlink(binary, dir.path() / "orvo");
+// The flags and the environment reach the selection of tools: here only the voice tools, and
+// not speak, which the app's own assistant does through the app.
+TEST(ServerSessionTest, FlagsAndEnvironmentChooseTheTools) {
     ProcessOptions options;
-    options.program = (dir.path() / "orvo").string();
+    options.arguments = {"--toolsets", " voice , nope"};
+    options.environment = {{"ORVO_ASSISTANT_ORIGIN", "1"}};
     ServerProcess server(options);
-    EXPECT_EQ(server.request(toolCall(1, "orvo_version"))["result"],
-              json::parse(R"({"content":[{"type":"text","text":"1.4.2"}],"isError":false})"));
-    const json result = server.request({{"id", 2}, {"method", "initialize"}})["result"];
-    EXPECT_EQ(result["serverInfo"], json::parse(R"({"name":"orvo-agent","version":"1.4.2"})"));
-    EXPECT_EQ(result["protocolVersion"], "2024-11-05");
-}
-
-// The flags and the environment reach the same selection in the process as in readStartupSettings,
-// and only a selection with speak offers the voice prompt and paragraph.
-TEST(ServerSessionTest, FlagsAndEnvironmentChooseTheToolsAndTheVoice) {
-    const struct {
-        std::vector<std::string> arguments;
-        const char* origin;
-        bool voice;
-    } cases[] = {
-        {{}, "", true},
-        {{"--toolsets", " state , nope"}, "", false},
-        {{}, "1", false},  // the app's own assistant speaks through the app
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(::testing::PrintToString(c.arguments) + " origin " + c.origin);
-        ProcessOptions options;
-        options.arguments = c.arguments;
-        options.environment = {{"ORVO_ASSISTANT_ORIGIN", c.origin}};
-        ServerProcess server(options);
-        std::vector<std::string> arguments = {options.program};
-        arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
-        const ToolRegistry registry = ToolRegistry::assemble(
-            registeredTools(), readStartupSettings(arguments, c.origin, nullptr).selection);
-        json expected = json::array();
-        for (const MCPTool* tool : registry.tools()) {
-            expected.push_back(tool->name());
-        }
-        const json listing = server.request({{"id", 1}, {"method", "tools/list"}});
-        json names = json::array();
-        for (const json& tool : listing["result"]["tools"]) {
-            names.push_back(tool["name"]);
-        }
-        EXPECT_EQ(names, expected);
-
-        json result = server.request({{"id", 2}, {"method", "initialize"}})["result"];
-        EXPECT_EQ(result["capabilities"],
-                  json::parse(
-                      c.voice ? R"({"prompts":{"listChanged":false},"tools":{"listChanged":true}})"
-                              : R"({"tools":{"listChanged":true}})"));
-        EXPECT_EQ(result["instructions"].get<std::string>().find("\nSESSION VOICE: ") !=
-                      std::string::npos,
-                  c.voice);
-        EXPECT_EQ(
-            server.request({{"id", 3}, {"method", "prompts/list"}})["result"]["prompts"].size(),
-            c.voice ? 1u : 0u);
-        json prompt = server.request(
-            {{"id", 4},
-             {"method", "prompts/get"},
-             {"params", {{"name", "speak_every_reply"}, {"arguments", json::object()}}}});
-        EXPECT_EQ(prompt["result"]["messages"],
-                  c.voice ? json::parse(R"([{"role":"user","content":{"type":"text","text":)"
-                                        R"("For this session, use the Orvo MCP `speak` tool on )"
-                                        R"(every assistant turn until I explicitly say )"
-                                        R"(“stop speaking.”"}}])")
-                          : json());
+    const json listing = server.request({{"id", 1}, {"method", "tools/list"}});
+    json names = json::array();
+    for (const json& tool : listing["result"]["tools"]) {
+        names.push_back(tool["name"]);
     }
-}
-
-using ThrowawayHomeTest = ThrowawayUserTest;
-
-// The home comes from the user database, whatever HOME says.
-TEST_F(ThrowawayHomeTest, TheDocsAreInTheUsersOwnHome) {
-    ServerProcess server(asUser({}, {{"HOME", "/nonexistent"}}));
-    const std::string instructions =
-        server.request({{"id", 1}, {"method", "initialize"}})["result"]["instructions"];
-    EXPECT_NE(instructions.find(" Docs: <file> points into " + user_->home.string() +
-                                "/Library/Application Support/orvo-agent/docs/; start at "
-                                "INDEX.md. "),
-              std::string::npos)
-        << instructions;
+    EXPECT_EQ(names, json({"list_tts_voices", "set_tts_voice"}));
 }
 
 }  // namespace

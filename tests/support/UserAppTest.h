@@ -1,5 +1,5 @@
-// A throwaway user with an empty home, optionally with a fake app answering on that user's own
-// socket, for runs of the real binary.
+// A throwaway user with an empty home and a fake app answering on that user's own socket, for
+// runs of the real binary; a test without an app resets it.
 #pragma once
 
 #include <filesystem>
@@ -18,7 +18,7 @@
 
 namespace orvo::test {
 
-class ThrowawayUserTest : public ::testing::Test {
+class UserAppTest : public ::testing::Test {
 protected:
     void SetUp() override {
         std::string whyNot;
@@ -27,6 +27,11 @@ protected:
             GTEST_SKIP() << whyNot;
         }
         user_->resetHome();
+        // The app makes its socket as the user, so in a directory of the user's.
+        const std::filesystem::path socket = MCPSocketPath::resolve(user_->home);
+        std::filesystem::create_directories(socket.parent_path());
+        ASSERT_EQ(::chown(socket.parent_path().c_str(), user_->uid, user_->gid), 0);
+        app_ = std::make_unique<FakeApp>(socket, std::pair{user_->uid, user_->gid});
     }
     // A process of the real binary run as the user.
     ProcessOptions asUser(std::vector<std::string> arguments = {},
@@ -40,22 +45,6 @@ protected:
     }
 
     const ThrowawayUser* user_ = nullptr;
-};
-
-class UserAppTest : public ThrowawayUserTest {
-protected:
-    void SetUp() override {
-        ThrowawayUserTest::SetUp();
-        if (IsSkipped()) {
-            return;
-        }
-        // The app makes its socket as the user, so in a directory of the user's.
-        const std::filesystem::path socket = MCPSocketPath::resolve(user_->home);
-        std::filesystem::create_directories(socket.parent_path());
-        ASSERT_EQ(::chown(socket.parent_path().c_str(), user_->uid, user_->gid), 0);
-        app_ = std::make_unique<FakeApp>(socket, std::pair{user_->uid, user_->gid});
-    }
-
     std::unique_ptr<FakeApp> app_;
 };
 
