@@ -31,47 +31,6 @@ TEST(ActionHoldTest, EveryCategoryRoundTripsThroughBothForms) {
     }
 }
 
-TEST(ActionHoldTest, WireDecodingNeedsCategoryAndBothPhrases) {
-    const auto patched = [](const json& patch) {  // a null in the patch removes the key
-        json wire = kForcePush.wireValue();
-        wire.merge_patch(patch);
-        return wire;
-    };
-    const struct {
-        std::string name;
-        json wire;
-        std::optional<std::string> detail;  // none: does not decode
-    } cases[] = {
-        {"not an object", json::array({"publishing"}), std::nullopt},
-        {"unknown category", patched({{"category", "Publishing"}}), std::nullopt},
-        {"progressive not a string", patched({{"progressive", 5}}), std::nullopt},
-        {"no base", patched({{"base", nullptr}}), std::nullopt},
-        {"no detail", patched({{"detail", nullptr}}), ""},
-        {"extra key", patched({{"phrase", "ignored"}}), "git push -f"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        const std::optional<ActionHoldMatch> decoded = ActionHoldMatch::fromWireValue(c.wire);
-        EXPECT_EQ(decoded ? std::optional(decoded->detail) : std::nullopt, c.detail);
-    }
-}
-
-TEST(ActionHoldTest, RawValuesReadOnlyWhenSpelledExactly) {
-    for (std::string_view other : {"On_Screen", "on-screen", "", " deleting", "agent_prompt"}) {
-        SCOPED_TRACE(other);
-        EXPECT_EQ(parseActionHoldCategory(other), std::nullopt);
-    }
-}
-
-// The app lists these in this order; prompts typed into other agents start switched off.
-TEST(ActionHoldTest, DefaultEnabledIsTheFirstSixCasesInOrder) {
-    std::string enabled;
-    for (ActionHoldCategory category : defaultEnabledActionHoldCategories()) {
-        enabled.append(enabled.empty() ? "" : ",").append(rawValue(category));
-    }
-    EXPECT_EQ(enabled, "publishing,messages,deleting,closing,services,on_screen");
-}
-
 TEST(ActionHoldTest, RoutesShellCallsAndOtherServersTools) {
     const struct {
         std::string_view tool;

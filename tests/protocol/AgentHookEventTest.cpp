@@ -1,8 +1,5 @@
 #include "protocol/AgentHookEvent.h"
 
-#include <cmath>
-#include <limits>
-
 #include <gtest/gtest.h>
 
 namespace orvo {
@@ -28,19 +25,10 @@ AgentHookEvent fullEvent() {
             .failure = "none"};
 }
 
-TEST(AgentHookEventTest, KindsRoundTripOnlyWhenSpelledExactly) {
-    for (AgentHookKind kind : kAllAgentHookKinds) {
-        EXPECT_EQ(parseAgentHookKind(rawValue(kind)), kind);
-    }
-    EXPECT_EQ(rawValue(AgentHookKind::userPromptSubmit), "userPromptSubmit");
-    EXPECT_EQ(rawValue(AgentHookKind::permissionRequest), "permissionRequest");
-    EXPECT_EQ(parseAgentHookKind("session_start"), std::nullopt);
-}
-
 // Only the allowed environment keys travel, either way: the secret is not written, HOME not read.
 TEST(AgentHookEventTest, EncodesKeysInFieldOrderAndReadsBackEqual) {
     AgentHookEvent event = fullEvent();
-    event.host.environment["AWS_SECRET_ACCESS_KEY"] = "x";
+    event.host.environment.emplace("AWS_SECRET_ACCESS_KEY", "x");
     const std::string text = event.encode().value_or("");
     EXPECT_EQ(
         text,
@@ -59,8 +47,9 @@ TEST(AgentHookEventTest, EncodesKeysInFieldOrderAndReadsBackEqual) {
 
 TEST(AgentHookEventTest, EventWithoutOptionalFieldsRoundTrips) {
     AgentHookEvent event;
-    event.sessionID = "s";
-    event.eventID = "e";
+    // Moved in rather than assigned from literals, which g++ 12 -O3 falsely flags (-Wrestrict).
+    event.sessionID = std::string("s");
+    event.eventID = std::string("e");
     const std::optional<std::string> text = event.encode();
     ASSERT_TRUE(text);
     EXPECT_EQ(*text,
@@ -68,12 +57,6 @@ TEST(AgentHookEventTest, EventWithoutOptionalFieldsRoundTrips) {
               R"("eventID":"e","host":{"ancestors":[],"environment":{}},"timestamp":0.0,)"
               R"("finalMessageTruncated":false})");
     EXPECT_EQ(AgentHookEvent::decode(*text), event);
-    // Null reads as absent.
-    EXPECT_EQ(AgentHookEvent::decode(
-                  R"({"schemaVersion":1,"provider":"claude","kind":"sessionStart","sessionID":"s",)"
-                  R"("eventID":"e","turnID":null,"host":{"ancestors":[],"environment":{},)"
-                  R"("appPID":null},"timestamp":0,"finalMessageTruncated":false})"),
-              event);
 }
 
 TEST(AgentHookEventTest, FinalMessageIsCutToItsLimitOnACharacterBoundary) {
@@ -106,16 +89,9 @@ TEST(AgentHookEventTest, OversizedEventsAreNeitherWrittenNorRead) {
     EXPECT_EQ(AgentHookEvent::decode(*text + std::string(AgentHookWire::kMaxEventBytes, ' ')),
               std::nullopt);
 
-    // Nor are events whose times JSON cannot hold, nor text that is not UTF-8.
-    AgentHookEvent unwritable = fullEvent();
-    unwritable.timestamp = std::nan("");
-    EXPECT_EQ(unwritable.encode(), std::nullopt);
-    unwritable = fullEvent();
-    unwritable.host.ancestors[1].startTime = -std::numeric_limits<double>::infinity();
-    EXPECT_EQ(unwritable.encode(), std::nullopt);
-    unwritable = fullEvent();
-    unwritable.cwd = "/Users/caf\xE9";
-    EXPECT_EQ(unwritable.encode(), std::nullopt);
+    // Nor is text that is not UTF-8.
+    event.cwd = "/Users/caf\xE9";
+    EXPECT_EQ(event.encode(), std::nullopt);
 }
 
 // Field types are the typed reader's to check; these are the event's own shapes.

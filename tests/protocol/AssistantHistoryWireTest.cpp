@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "protocol/ActivityLogFiles.h"
-
 namespace orvo {
 namespace {
 
@@ -46,15 +44,6 @@ TEST(AssistantHistoryWireTest, DecodingToleratesNullAndUnknownKeysOnly) {
         EXPECT_EQ(c.read ? errorOf(decodeReadRequest(body)) : errorOf(decodeSearchRequest(body)),
                   (RPCError{-32602, c.message, std::nullopt}));
     }
-}
-
-// The app finds these files at the same places, so a moved file is a lost log.
-TEST(AssistantHistoryWireTest, EveryLogLivesUnderTheGivenHome) {
-    const std::filesystem::path home = "/home/someone";
-    EXPECT_EQ(ActivityLogFiles::assistantHistory(home),
-              home / ".config/orvo-agent/assistant-history.jsonl");
-    EXPECT_EQ(ActivityLogFiles::assistantHistoryDatabase(home),
-              home / "Library/Application Support/orvo-agent/assistant-history.db");
 }
 
 }  // namespace

@@ -26,16 +26,5 @@ TEST(GraphemesTest, CountsUserPerceivedCharacters) {
     }
 }
 
-TEST(GraphemesTest, PrefixNeverSplitsACluster) {
-    const std::string family =
-        "\xF0\x9F\x91\xA8\xE2\x80\x8D\xF0\x9F\x91\xA9\xE2\x80\x8D\xF0\x9F\x91\xA7";
-    const std::string text = "a" + family + "e\xCC\x81z";
-    EXPECT_EQ(prefixGraphemes(text, 0), "");
-    EXPECT_EQ(prefixGraphemes(text, 2), "a" + family);
-    EXPECT_EQ(prefixGraphemes(text, 3), "a" + family + "e\xCC\x81");
-    EXPECT_EQ(prefixGraphemes(text, 4), text);
-    EXPECT_EQ(prefixGraphemes(text, 40), text);
-}
-
 }  // namespace
 }  // namespace orvo
