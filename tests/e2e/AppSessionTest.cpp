@@ -1,7 +1,6 @@
 // Sessions of the real binary against a fake app, as the user whose app it is: what only a
 // process shows, from the home it finds to its end of input. What each answer and record holds
 // is the server's unit tests'.
-#include <algorithm>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -14,35 +13,29 @@ namespace {
 using AppSessionTest = UserAppTest;
 
 TEST_F(AppSessionTest, ReadsAreRecordedInTheUsersHomeAndCuedOncePerBurst) {
-    const std::filesystem::path log = user_->home / ".config/orvo-agent/mcp-context-reads.jsonl";
-    const auto cues = [this] {
-        return std::ranges::count_if(app_->received(), [](const ReceivedRequest& request) {
-            return request.request.value("method", "") == "connected_app_activity_cue";
-        });
-    };
-    for (const bool silenced : {false, true}) {
-        SCOPED_TRACE(silenced ? "ORVO_MCP_AUDIBLE=0" : "audible");
-        std::filesystem::remove(log);
-        const std::ptrdiff_t cuesBefore = cues();
-        // HOME points elsewhere, so that only a home from the user database finds the files.
-        ServerProcess server(
-            asUser({}, {{"HOME", "/nonexistent"}, {"ORVO_MCP_AUDIBLE", silenced ? "0" : "1"}}));
-        const std::string instructions =
-            server.request({{"id", 0}, {"method", "initialize"}})["result"]["instructions"];
-        EXPECT_NE(instructions.find(" points into " + user_->home.string() +
-                                    "/Library/Application Support/orvo-agent/docs/;"),
-                  std::string::npos)
-            << instructions;
-        for (int id = 1; id <= 3; ++id) {
-            ASSERT_TRUE(
-                server.request(toolCall(id, "get_meeting", {{"id", "m-42"}})).contains("result"));
-        }
-        std::this_thread::sleep_for(500ms);  // the cue is never waited for
-        EXPECT_EQ(cues() - cuesBefore, silenced ? 0 : 1);
-        server.closeInput();
-        EXPECT_EQ(server.waitForExit(), 0);  // every queued record is written before it exits
-        EXPECT_EQ(splitLines(readFile(log).value_or("")).size(), 3u);
+    // HOME points elsewhere, so that only a home from the user database finds the files.
+    ServerProcess server(asUser({"--agent", "codex"}, {{"HOME", "/nonexistent"}}));
+    const std::string instructions =
+        server.request({{"id", 0}, {"method", "initialize"}})["result"]["instructions"];
+    EXPECT_NE(instructions.find(" points into " + user_->home.string() +
+                                "/Library/Application Support/orvo-agent/docs/;"),
+              std::string::npos)
+        << instructions;
+    for (int id = 1; id <= 3; ++id) {
+        ASSERT_TRUE(
+            server.request(toolCall(id, "get_meeting", {{"id", "m-42"}})).contains("result"));
     }
+    std::this_thread::sleep_for(500ms);  // the cue is never waited for
+    std::size_t cues = 0;
+    for (const ReceivedRequest& request : app_->received()) {
+        cues += request.request.value("method", "") == "connected_app_activity_cue" ? 1 : 0;
+        EXPECT_EQ(request.request["args"].value("_agent", ""), "codex");
+    }
+    EXPECT_EQ(cues, 1u);
+    server.closeInput();
+    EXPECT_EQ(server.waitForExit(), 0);  // every queued record is written before it exits
+    const std::filesystem::path log = user_->home / ".config/orvo-agent/mcp-context-reads.jsonl";
+    EXPECT_EQ(splitLines(readFile(log).value_or("")).size(), 3u);
 }
 
 // Limits, duplicates and cancellation are the server's unit tests; what only a real process

@@ -3,11 +3,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
-#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "support/UserAppTest.h"
 
@@ -21,25 +19,9 @@ const std::filesystem::path kClientSource =
 const std::filesystem::path kInteropDirectory =
     std::filesystem::path(ORVO_SOURCE_DIR) / "build/interop";
 
-std::optional<std::filesystem::path> findOnPath(std::string_view program) {
-    std::istringstream directories(std::getenv("PATH") != nullptr ? std::getenv("PATH") : "");
-    for (std::string directory; std::getline(directories, directory, ':');) {
-        if (const auto candidate = std::filesystem::path(directory) / program;
-            !directory.empty() && ::access(candidate.c_str(), X_OK) == 0) {
-            return candidate;
-        }
-    }
-    return std::nullopt;
-}
-
 using SDKClientTest = UserAppTest;
 
 TEST_F(SDKClientTest, AcceptsEveryResponseOfAWholeSession) {
-    const std::optional<std::filesystem::path> node = findOnPath("node");
-    if (!node) {
-        GTEST_SKIP() << "Node.js is not installed (Debian package nodejs); scripts/test.sh "
-                        "installs it";
-    }
     if (!std::filesystem::exists(kInteropDirectory /
                                  "node_modules/@modelcontextprotocol/sdk/package.json")) {
         GTEST_SKIP() << "the MCP SDK is not installed in build/interop: scripts/test.sh "
@@ -48,12 +30,20 @@ TEST_F(SDKClientTest, AcceptsEveryResponseOfAWholeSession) {
     app_.reset();  // no app is running for the user
     std::filesystem::copy_file(kClientSource, kInteropDirectory / "client.mjs",
                                std::filesystem::copy_options::overwrite_existing);
-    ProcessOptions options = asUser({(kInteropDirectory / "client.mjs").string(), ORVO_BINARY_PATH},
+    // env finds Node.js on this run's PATH, and exits 127 when it is not there.
+    const char* const path = std::getenv("PATH");
+    ProcessOptions options = asUser({"PATH=" + std::string(path != nullptr ? path : ""), "node",
+                                     (kInteropDirectory / "client.mjs").string(), ORVO_BINARY_PATH},
                                     {{"HOME", user_->home.string()}});
-    options.program = node->string();
+    options.program = "/usr/bin/env";
     ServerProcess client(options);
     const std::optional<std::string> line = client.readLine(std::chrono::seconds(60));
-    EXPECT_EQ(client.waitForExit(), 0);
+    const std::optional<int> status = client.waitForExit();
+    if (status == 127) {
+        GTEST_SKIP() << "Node.js is not installed (Debian package nodejs); scripts/test.sh "
+                        "installs it";
+    }
+    EXPECT_EQ(status, 0);
     // The server's own standard error is the client's: a session logs nothing.
     EXPECT_EQ(client.standardError(), "");
     const json session = json::parse(line.value_or(""), nullptr, false);

@@ -92,20 +92,5 @@ TEST(ServerSessionTest, AnswersEachLineWithTheExactResponse) {
     EXPECT_EQ(server.standardError(), "orvo-agent-mcp: dropped oversize line (>1048576 bytes)\n");
 }
 
-// The flags and the environment reach the selection of tools: here only the voice tools, and
-// not speak, which the app's own assistant does through the app.
-TEST(ServerSessionTest, FlagsAndEnvironmentChooseTheTools) {
-    ProcessOptions options;
-    options.arguments = {"--toolsets", " voice , nope"};
-    options.environment = {{"ORVO_ASSISTANT_ORIGIN", "1"}};
-    ServerProcess server(options);
-    const json listing = server.request({{"id", 1}, {"method", "tools/list"}});
-    json names = json::array();
-    for (const json& tool : listing["result"]["tools"]) {
-        names.push_back(tool["name"]);
-    }
-    EXPECT_EQ(names, json({"list_tts_voices", "set_tts_voice"}));
-}
-
 }  // namespace
 }  // namespace orvo::test

@@ -22,9 +22,8 @@ constexpr ToolRow kRows[] = {
     {"computer_inspect", {{MCPToolset::computer}, kComputerUse, true}, "test"},
     {"computer_click", {{MCPToolset::computer}, kComputerUse, false}, "test"},
     {"get_meeting_notes", {{MCPToolset::meetings}, kReading, true}, "test"},
-    {"slow", {{MCPToolset::state}, kReading, true}, "test"},
 };
-const MCPTool kInspect(kRows[0]), kClick(kRows[1]), kNotes(kRows[2]), kSlow(kRows[3]);
+const MCPTool kInspect(kRows[0]), kClick(kRows[1]), kNotes(kRows[2]);
 const MCPTool* const kTools[] = {&kInspect, &kClick, &kNotes};
 
 // A server in this process for the agent "claude", offering every tool, fed line by line, with
@@ -84,10 +83,7 @@ protected:
     const UniqueFd readEnd_{pipe_[0]}, writeEnd_{pipe_[1]};
     std::string pending_;
     test::FakeApp app_{MCPSocketPath::resolve(home_.path())};
-    AppClient client_{AppClientOptions{home_.path(), "claude", false, [](std::string_view m) {
-                                           return m == "slow" ? 20ms
-                                                              : std::chrono::milliseconds(5s);
-                                       }}};
+    AppClient client_{AppClientOptions{home_.path(), "claude", false, {}}};
     const std::filesystem::path logFile_ = home_.path() / "reads.jsonl";
     ContextAuditLog log_{ContextAuditLogOptions{logFile_}};
     ToolRegistry registry_;
@@ -252,32 +248,22 @@ TEST_F(ServerTrackingTest, IdsStayApartAndACancelledCallIsNeverAnswered) {
     EXPECT_TRUE(answer.contains("result")) << answer;
 }
 
-TEST_F(ServerTrackingTest, ObserversOverlapWhileActingCallsRunOneAtATime) {
-    test::FakeReply slow = test::successReply(json::object());
+// The server pretty-prints the app's result.
+TEST_F(ServerTrackingTest, ActingCallsRunOneAtATimeInOrder) {
+    test::FakeReply slow = test::successReply({{"ok", 1}});
     slow.delay = 100ms;
-    app_.on("computer_inspect", slow);
     app_.on("computer_click", slow);
+    const auto start = std::chrono::steady_clock::now();
     for (int id = 0; id < 4; ++id) {
         call(id, "computer_click");
     }
     for (int id = 0; id < 4; ++id) {
-        EXPECT_EQ(response()["id"], id);  // in order, one after another
+        const json answer = response();
+        EXPECT_EQ(answer["id"], id);
+        EXPECT_EQ(answer["result"]["content"][0]["text"], "{\n  \"ok\": 1\n}");
     }
-    EXPECT_EQ(app_.peakConcurrency(), 1u);
-    for (int id = 10; id < 14; ++id) {
-        call(id, "computer_inspect");
-    }
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_NE(response(), nullptr);
-    }
-    EXPECT_GE(app_.peakConcurrency(), 2u);
-}
-
-// The client pins the request and its half-close; the server pretty-prints the app's result.
-TEST_F(ServerTrackingTest, OrdinaryCallsAnswerWithThePrettyPrintedResult) {
-    app_.on("get_meeting_notes", test::successReply({{"ok", 1}}));
-    call(1, "get_meeting_notes");
-    EXPECT_EQ(response()["result"]["content"][0]["text"], "{\n  \"ok\": 1\n}");
+    // Any overlap of the four would finish sooner.
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 400ms);
 }
 
 TEST_F(ServerTrackingTest, TenThousandCallsLeaveNoDescriptorBehind) {
@@ -285,14 +271,8 @@ TEST_F(ServerTrackingTest, TenThousandCallsLeaveNoDescriptorBehind) {
     app_.on("get_meeting_notes", test::successReply({{"ok", true}}));
     app_.on("computer_inspect", test::errorReply("refused", "no"));
     app_.on("computer_click", test::heldReply());
-    test::FakeReply late = test::successReply(json::object());
-    late.delay = 60ms;
-    app_.on("slow", late);
     for (std::size_t i = 0; i < 10000; ++i) {
-        if (i % 500 == 0) {
-            EXPECT_EQ(kSlow.call(json::object(), {home_.path(), "", &client_}).error().code,
-                      -32013);
-        } else if (i % 50 == 1) {
+        if (i % 50 == 1) {
             call(i, "computer_click");
             ASSERT_TRUE(app_.waitForRequests(i + 1));
             cancel(i);

@@ -143,7 +143,6 @@ void FakeApp::serve(int fd) {
         reply = it != replies_.end() ? it->second : fallback_;
         index = received_.size();
         received_.push_back(received);
-        peak_ = std::max(peak_, ++active_);
     }
     changed_.notify_all();
 
@@ -175,7 +174,6 @@ void FakeApp::serve(int fd) {
         std::lock_guard<std::mutex> guard(lock_);
         received_[index].halfClosed = halfClosed;
         received_[index].disconnected = disconnected;
-        --active_;
         ++finished_;
         std::erase(connections_, fd);
         ::close(fd);
@@ -198,11 +196,6 @@ bool FakeApp::waitForRequests(std::size_t count, std::chrono::milliseconds timeo
 bool FakeApp::waitForFinished(std::size_t count, std::chrono::milliseconds timeout) {
     std::unique_lock<std::mutex> guard(lock_);
     return changed_.wait_for(guard, timeout, [&] { return finished_ >= count; });
-}
-
-std::size_t FakeApp::peakConcurrency() const {
-    std::lock_guard<std::mutex> guard(lock_);
-    return peak_;
 }
 
 }  // namespace orvo::test

@@ -67,8 +67,6 @@ public:
     // Waits until `count` connections have been answered or abandoned.
     bool waitForFinished(std::size_t count,
                          std::chrono::milliseconds timeout = std::chrono::seconds(10));
-    // The most requests that were being handled at one time.
-    std::size_t peakConcurrency() const;
 
 private:
     void acceptLoop();
@@ -83,8 +81,6 @@ private:
     FakeReply fallback_;
     std::vector<ReceivedRequest> received_;
     std::size_t finished_ = 0;
-    std::size_t active_ = 0;
-    std::size_t peak_ = 0;
     std::vector<int> connections_;
     std::size_t liveServers_ = 0;  // detached connection threads still running
     std::thread acceptor_;
